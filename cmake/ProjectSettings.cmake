@@ -1,0 +1,18 @@
+# What our own targets are built with. A consumer's targets never see any of it.
+find_package(Threads REQUIRED)
+find_package(Boost 1.81 REQUIRED)
+find_package(CURL 7.88 REQUIRED)
+find_package(OpenSSL REQUIRED)
+find_package(simdjson REQUIRED)
+find_package(nlohmann_json REQUIRED)
+find_package(date REQUIRED)
+
+add_library(zvapikit_settings INTERFACE)
+target_compile_features(zvapikit_settings INTERFACE cxx_std_20)
+target_compile_options(zvapikit_settings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
+                                                   -Woverloaded-virtual -Werror)
+if(ZVAPIKIT_SANITIZE)
+  target_compile_options(zvapikit_settings INTERFACE -fsanitize=${ZVAPIKIT_SANITIZE} -fno-omit-frame-pointer
+                                                     -fno-sanitize-recover=all)
+  target_link_options(zvapikit_settings INTERFACE -fsanitize=${ZVAPIKIT_SANITIZE})
+endif()

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include <zvapikit/http/Clock.hpp>
+#include <zvapikit/http/HTTPClientDelegate.hpp>
+#include <zvapikit/http/HTTPValidator.hpp>
+#include <zvapikit/http/Transport.hpp>
+
+#include <boost/asio/awaitable.hpp>
+
+namespace ZAK {
+
+/// Sends requests over a transport: joins them to a base URL and default headers, runs the validators on each
+/// attempt's end, and sends again where they ask for it.
+///
+/// Thread safety: set up first, then use from any thread; the public members must not change while calls run.
+class HTTPClient : public std::enable_shared_from_this<HTTPClient> {
+  struct Private {
+    explicit Private() = default;
+  };
+
+ public:
+  /// A client below `baseURL`; absent means that requests must have absolute URLs. The validators start out with the
+  /// default one, which retries transport failures of idempotent requests (while no byte of an answer has come and
+  /// within the request's retries) and otherwise ends the chain with the response's own error.
+  static std::shared_ptr<HTTPClient> create(std::shared_ptr<Transport> transport, std::optional<URL> baseURL = {},
+                                            std::shared_ptr<Clock> clock = Clock::system());
+  HTTPClient(Private, std::shared_ptr<Transport> transport, std::optional<URL> baseURL, std::shared_ptr<Clock> clock);
+
+  /// Sent with every request that has no header of the same name.
+  HTTPHeaders headers;
+  /// Run in order on each attempt's end.
+  std::vector<std::shared_ptr<HTTPValidator>> validators;
+  std::weak_ptr<HTTPClientDelegate> delegate;
+  /// Redirects that a request follows when it does not say: none.
+  int maxRedirects = 0;
+
+  void insertValidatorAtFront(std::shared_ptr<HTTPValidator> validator);
+
+  [[nodiscard]] const std::optional<URL>& baseURL() const noexcept { return baseURL_; }
+
+  /// Sends the request and yields how it ended; `HTTPResponse::error` holds a failure. Resumes on the caller's
+  /// executor.
+  ///
+  /// Lifetime: everything is taken by value, and the call keeps the client alive once it was awaited.
+  /// Cancellation of any type ends the transfer or the wait at once with `boost::system::system_error` of
+  /// `operation_aborted`, also when the server may already have acted on the request.
+  /// \throws ZAKError `urlNotValid`, when awaited, for a path variable `.` or `..`.
+  boost::asio::awaitable<HTTPResponse> fetch(HTTPRequest request);
+
+ private:
+  std::shared_ptr<Transport> transport_;
+  std::optional<URL> baseURL_;
+  std::shared_ptr<Clock> clock_;
+};
+
+}  // namespace ZAK

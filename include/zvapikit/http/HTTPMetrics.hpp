@@ -1,0 +1,25 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+namespace ZAK {
+
+/// What one attempt cost. All instants are measured from the moment the attempt was handed to the transport; a phase
+/// that did not take place (name look-up, connecting and TLS on a connection used again) is zero.
+struct HTTPMetrics {
+  std::chrono::microseconds nameLookup{};     ///< until the name was resolved
+  std::chrono::microseconds connect{};        ///< until the connection stood
+  std::chrono::microseconds secureConnect{};  ///< until TLS was agreed
+  std::chrono::microseconds firstByte{};      ///< until the first byte of the answer
+  std::chrono::microseconds total{};          ///< until the end
+  std::uint64_t bytesSent = 0;                ///< body bytes, as sent
+  std::uint64_t bytesReceived = 0;            ///< body bytes, before decompression
+  int attempt = 1;                            ///< 1 for the first attempt, 2 for its first retry, ...
+  int redirects = 0;                          ///< redirects followed
+  bool reusedConnection = false;
+  std::string protocol;                       ///< `HTTP/1.1`, `HTTP/2`, or empty when no answer came
+};
+
+}  // namespace ZAK

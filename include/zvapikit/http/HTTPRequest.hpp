@@ -1,0 +1,65 @@
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <zvapikit/http/HTTPBody.hpp>
+#include <zvapikit/http/HTTPHeaders.hpp>
+#include <zvapikit/http/HTTPMethod.hpp>
+#include <zvapikit/http/URLQueryItem.hpp>
+#include <zvapikit/json/URL.hpp>
+
+namespace ZAK {
+
+/// One request, before it is joined to a client's base URL and default headers.
+///
+/// Thread safety: as a standard container.
+class HTTPRequest {
+ public:
+  /// Values of the template's placeholders, by name.
+  using Variables = std::vector<std::pair<std::string, std::string>>;
+
+  /// A request below the client's base URL. `uri` is a path, with or without a leading `/`, that may hold
+  /// placeholders `{name}` (RFC 6570, simple expansion): each becomes its percent-encoded variable, or nothing when
+  /// there is no such variable. It may also be an absolute https URL, which is then sent as it is.
+  explicit HTTPRequest(HTTPMethod method, std::string uri, Variables variables = {});
+  /// A request to an absolute URL, outside any base.
+  HTTPRequest(HTTPMethod method, const URL& url);
+
+  HTTPMethod method;
+  /// Sent after the client's default headers, replacing those of the same name. A Content-Type here replaces the
+  /// body's own.
+  HTTPHeaders headers;
+  HTTPBody body;
+  /// Longest time without progress; absent means the transport's default.
+  std::optional<std::chrono::milliseconds> timeout;
+  /// How often the request may be sent again, whatever the reasons. The first attempt is no retry.
+  int maxRetries = 0;
+  /// How many redirects are followed (https only); absent means the client's default.
+  std::optional<int> maxRedirects;
+
+  /// Appends to the query, behind what the URI itself may hold. Names and values are percent-encoded when sent.
+  void add(URLQueryItem queryItem);
+  /// Appends a query parameter that has a value.
+  void addParameter(std::string name, std::string value);
+  [[nodiscard]] const std::vector<URLQueryItem>& queryItems() const noexcept { return queryItems_; }
+
+  /// The URI with its variables filled in, without the query items.
+  /// \throws ZAKError `urlNotValid` when a variable is `.` or `..`, which a server would read as climbing the path.
+  [[nodiscard]] std::string expandedURI() const;
+
+  /// `GET /content/posts/p1?x=y`: the path below the base with its query; an absolute URL without its query, which may
+  /// hold a signature. Never fails.
+  [[nodiscard]] std::string description() const;
+
+ private:
+  std::string uri_;
+  Variables variables_;
+  std::vector<URLQueryItem> queryItems_;
+};
+
+}  // namespace ZAK

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <chrono>
+#include <exception>
+#include <functional>
+#include <memory>
+
+#include <zvapikit/http/HTTPRequest.hpp>
+
+#include <boost/asio/awaitable.hpp>
+
+namespace ZAK {
+
+/// What a validator wants done before a request is sent again.
+class HTTPRetryStrategy {
+ public:
+  /// May change the request, which is then sent as changed. Must not keep references to its arguments' targets beyond
+  /// its own completion.
+  using Task = std::function<boost::asio::awaitable<void>(std::shared_ptr<HTTPRequest>)>;
+  using ErrorHandler = std::function<void(std::exception_ptr)>;
+
+  /// Runs `task`, waits `delay`, then sends. A task that fails is told to `onError` and the request is sent all the
+  /// same; one that ends with `operation_aborted` ends the call.
+  static HTTPRetryStrategy afterTask(std::chrono::milliseconds delay, Task task, ErrorHandler onError);
+
+  /// Waits base^(n-1) seconds times a random factor in [0.5, 1] before retry n (from 1), then sends.
+  static HTTPRetryStrategy exponential(double base);
+
+  [[nodiscard]] const Task& task() const noexcept { return task_; }
+  [[nodiscard]] const ErrorHandler& onError() const noexcept { return onError_; }
+
+  /// The wait before retry `retry` (from 1); `jitter` is in [0.5, 1].
+  [[nodiscard]] std::chrono::milliseconds delay(int retry, double jitter) const;
+
+ private:
+  HTTPRetryStrategy() = default;
+
+  double base_ = 0;
+  std::chrono::milliseconds delay_{};
+  Task task_;
+  ErrorHandler onError_;
+};
+
+}  // namespace ZAK

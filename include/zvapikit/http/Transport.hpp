@@ -1,0 +1,57 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <zvapikit/http/HTTPBody.hpp>
+#include <zvapikit/http/HTTPHeaders.hpp>
+#include <zvapikit/http/HTTPMethod.hpp>
+#include <zvapikit/http/HTTPResponse.hpp>
+#include <zvapikit/json/URL.hpp>
+
+#include <boost/asio/awaitable.hpp>
+
+namespace ZAK {
+
+/// One attempt, exactly as it goes out.
+struct TransferRequest {
+  HTTPMethod method = HTTPMethod::get;
+  /// Absolute, https, with its query.
+  std::string url;
+  /// All headers but those of the connection itself (Host, Content-Length, ...).
+  HTTPHeaders headers;
+  HTTPBody body;
+  /// Longest time without progress; absent means the transport's default.
+  std::optional<std::chrono::milliseconds> timeout;
+  int maxRedirects = 0;
+};
+
+/// How one attempt ended.
+struct TransferResult {
+  /// Holds no error for an answer of any status: judging it is the client's business. Holds one (and perhaps a status
+  /// and part of a body) when the transfer itself failed.
+  HTTPResponse response;
+  /// True once any byte of an answer has come: the server may have acted on the request.
+  bool answerStarted = false;
+  /// Destinations of the redirects that were followed, in order.
+  std::vector<URL> redirects;
+};
+
+/// Carries one request to a server and its answer back. `CurlTransport` is the real one; `ScriptedTransport` serves
+/// tests without a network.
+///
+/// Thread safety: any number of calls at once, from any thread.
+class Transport {
+ public:
+  virtual ~Transport() = default;
+
+  /// Resumes on the caller's executor. Failures of the transfer are in the result; what is thrown is
+  /// `boost::system::system_error` with `operation_aborted` after a cancellation of any type, which ends the transfer
+  /// at once. The awaitable keeps the transport alive.
+  virtual boost::asio::awaitable<TransferResult> perform(TransferRequest request) = 0;
+};
+
+}  // namespace ZAK
