@@ -6,6 +6,7 @@ find_package(OpenSSL REQUIRED)
 find_package(simdjson REQUIRED)
 find_package(nlohmann_json REQUIRED)
 find_package(date REQUIRED)
+find_package(ZLIB REQUIRED)
 
 add_library(zvapikit_settings INTERFACE)
 target_compile_features(zvapikit_settings INTERFACE cxx_std_20)

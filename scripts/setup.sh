@@ -7,7 +7,7 @@ packages=(
   # building
   g++ cmake ninja-build ccache pkg-config
   libboost1.81-dev libcurl4-openssl-dev libssl-dev libsimdjson-dev nlohmann-json3-dev libhowardhinnant-date-dev
-  tzdata libcli11-dev
+  zlib1g-dev tzdata libcli11-dev
   # tests
   libgtest-dev libgmock-dev nginx-light openssl
   # the wider checks

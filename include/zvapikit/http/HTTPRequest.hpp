@@ -48,9 +48,14 @@ class HTTPRequest {
   void addParameter(std::string name, std::string value);
   [[nodiscard]] const std::vector<URLQueryItem>& queryItems() const noexcept { return queryItems_; }
 
+  /// True when a variable is `.` or `..`: template expansion keeps it, and a server would read it as climbing the path.
+  /// Such a request is never sent.
+  [[nodiscard]] bool climbsPath() const noexcept;
+
   /// The URI with its variables filled in, without the query items.
-  /// \throws ZAKError `urlNotValid` when a variable is `.` or `..`, which a server would read as climbing the path.
   [[nodiscard]] std::string expandedURI() const;
+  /// True when the URI is an absolute URL rather than a path below a base.
+  [[nodiscard]] bool isAbsolute() const noexcept;
 
   /// `GET /content/posts/p1?x=y`: the path below the base with its query; an absolute URL without its query, which may
   /// hold a signature. Never fails.

@@ -1,0 +1,1 @@
+// Keeps the support library non-empty; the helpers of the tests join it here.
