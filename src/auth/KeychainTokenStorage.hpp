@@ -23,6 +23,9 @@ class KeychainTokenStorage final : public TokenStorage {
   void set(const std::optional<TokenDto>& token) override;
 
  private:
+  void removeSilently() noexcept;
+  void report(const std::exception& error) const noexcept;
+
   std::string key_;
   std::shared_ptr<Keychain> keychain_;
   DelegateReference<LoggerDelegate> logger_;

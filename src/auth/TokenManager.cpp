@@ -57,16 +57,19 @@ boost::asio::awaitable<TokenManager::Token> TokenManager::enter(std::shared_ptr<
   return suspend<Token>([self = std::move(self), step = std::move(step)](std::unique_ptr<Waiter<Token>> waiter,
                                                                          boost::asio::cancellation_slot slot) mutable {
     if (!self->strand_) return waiter->resume(boost::asio::error::operation_aborted, std::nullopt);
-    const Strand strand = *self->strand_;
     auto call = std::make_shared<Call>();
     call->waiter = std::move(waiter);
     if (slot.is_connected()) {
-      slot.assign([strand, weakCall = std::weak_ptr(call)](boost::asio::cancellation_type) {
-        boost::asio::post(strand, [weakCall] {
+      // Weak throughout: the slot may outlive the execution context, which a strand must not.
+      slot.assign([weakSelf = std::weak_ptr(self), weakCall = std::weak_ptr(call)](boost::asio::cancellation_type) {
+        const auto manager = weakSelf.lock();
+        if (!manager || !manager->strand_) return;
+        boost::asio::post(*manager->strand_, [weakCall] {
           if (const auto waiting = weakCall.lock()) waiting->end(boost::asio::error::operation_aborted, std::nullopt);
         });
       });
     }
+    const Strand strand = *self->strand_;
     boost::asio::post(strand, [self = std::move(self), call = std::move(call), step = std::move(step)]() mutable {
       step(*self, call);
     });

@@ -16,8 +16,23 @@ namespace ZAK {
 /// thrown by the call, so that it reaches the host where it awaits.
 class Endpoint {
  public:
-  Endpoint(HTTPMethod method, std::string path, HTTPRequest::Variables variables = {})
-      : request(method, std::move(path), std::move(variables)) {}
+  using Variables = HTTPRequest::Variables;
+
+  static Endpoint get(std::string path, Variables variables = {}) {
+    return Endpoint(HTTPMethod::get, std::move(path), std::move(variables));
+  }
+  static Endpoint post(std::string path, Variables variables = {}) {
+    return Endpoint(HTTPMethod::post, std::move(path), std::move(variables));
+  }
+  static Endpoint put(std::string path, Variables variables = {}) {
+    return Endpoint(HTTPMethod::put, std::move(path), std::move(variables));
+  }
+  static Endpoint patch(std::string path, Variables variables = {}) {
+    return Endpoint(HTTPMethod::patch, std::move(path), std::move(variables));
+  }
+  static Endpoint delete_(std::string path, Variables variables = {}) {
+    return Endpoint(HTTPMethod::delete_, std::move(path), std::move(variables));
+  }
 
   Endpoint&& query(std::string name, std::string value) && {
     request.addParameter(std::move(name), std::move(value));
@@ -36,6 +51,10 @@ class Endpoint {
 
   HTTPRequest request;
   std::exception_ptr failure;
+
+ private:
+  Endpoint(HTTPMethod method, std::string path, Variables variables)
+      : request(method, std::move(path), std::move(variables)) {}
 };
 
 /// Fires an operation as the signed-in user, on the client if it is still there. A `Result` of void drops the answer.

@@ -28,8 +28,8 @@ struct MobileApiRequestExecutor::State {
   /// One line, or what the pretty-printer makes of it, in one write.
   void printBody(const HTTPResponse& response) const {
     if (!response.hasAnswer() || response.body.empty()) return;
-    const auto secrets = redactsSecrets ? JSONSecrets::redacted : JSONSecrets::shown;
-    std::cout << prettyPrinted(response.body, secrets) + "\n" << std::flush;
+    const auto printing = redactsSecrets ? JSONPrinting::redacted : JSONPrinting::whole;
+    std::cout << prettyPrinted(response.body, printing) + "\n" << std::flush;
   }
 
   /// Logs the failure and throws what the caller gets to see.

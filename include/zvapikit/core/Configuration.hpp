@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <string_view>
 
 #include <zvapikit/json/RawValue.hpp>
 
@@ -13,6 +14,15 @@ struct Configuration {
   Environment environment = Environment::production;
 
   bool operator==(const Configuration&) const = default;
+};
+
+template <>
+struct RawValues<Configuration::Environment> {
+  static constexpr std::string_view name = "Environment";
+  static constexpr std::array cases{
+      RawCase{Configuration::Environment::sandbox, "sandbox"},
+      RawCase{Configuration::Environment::production, "production"},
+  };
 };
 
 }  // namespace ZAK

@@ -24,7 +24,7 @@ class MobileApiClient final : public Client {
   static std::shared_ptr<MobileApiClient> create(Context context);
 
   /// Not for hosts: use `create`.
-  explicit MobileApiClient(Parts parts);
+  explicit MobileApiClient(std::unique_ptr<Parts> parts);
   ~MobileApiClient() override;
 
   [[nodiscard]] const Configuration& configuration() const noexcept override;
@@ -46,6 +46,9 @@ class MobileApiClient final : public Client {
 
  private:
   boost::asio::awaitable<void> send(HTTPRequest request, Route route, DecodeTarget target) override;
+  static boost::asio::awaitable<void> sendKeeping(std::shared_ptr<MobileApiClient> self, HTTPRequest request,
+                                                  Route route, DecodeTarget target);
+  static boost::asio::awaitable<void> clearKeeping(std::shared_ptr<MobileApiClient> self, bool signsOut);
 
   std::unique_ptr<Parts> parts_;
 };
