@@ -1,0 +1,39 @@
+#pragma once
+
+#include <zvapikit/platform/BundleInfo.hpp>
+
+#include <filesystem>
+#include <string>
+
+namespace ZAK {
+
+/// What the default directories are derived from. An unset variable is an empty text.
+struct DirectoryEnvironment {
+  std::string xdgDataHome{};  ///< `XDG_DATA_HOME`; ignored unless absolute, as its standard asks
+  std::string home{};         ///< `HOME`, else the home of the user's account
+  std::string tmpdir{};       ///< `TMPDIR`; ignored unless absolute
+  unsigned user = 0;          ///< the effective user's number
+
+  static DirectoryEnvironment current();
+
+  /// The base of the user's data files (XDG Base Directory): `$XDG_DATA_HOME`, else `~/.local/share`. Empty when there
+  /// is neither.
+  [[nodiscard]] std::filesystem::path dataHome() const;
+};
+
+/// Where the kit keeps files. An empty path stands for the default.
+struct Directories {
+  std::filesystem::path documents{};  ///< default: `$XDG_DATA_HOME/<bundle identifier>/Documents`
+  std::filesystem::path temporary{};  ///< default: a directory of the user's own below `$TMPDIR`, else `/tmp`
+
+  /// The same with every empty path replaced by its default. Creates nothing.
+  [[nodiscard]] Directories resolved(const BundleInfo& bundle,
+                                     const DirectoryEnvironment& environment = DirectoryEnvironment::current()) const;
+
+  /// Makes sure that `directory` is there and is the user's alone: creates it and its missing parents with mode 0700,
+  /// or takes group and others off it. Parents that exist stay as they are. Throws `std::filesystem::filesystem_error`
+  /// when that cannot be, above all when `directory` is a link or belongs to someone else.
+  static void createPrivate(const std::filesystem::path& directory);
+};
+
+}  // namespace ZAK

@@ -1,0 +1,252 @@
+#include "keychain/SelectedKeychain.hpp"
+#include "support/TemporaryDirectory.hpp"
+
+#include <zvapikit/keychain/FileKeychain.hpp>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <functional>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace ZAK {
+namespace {
+
+namespace fs = std::filesystem;
+
+const KeychainSettings settings{.service = "com.example.service", .accessGroup = "group.Example"};
+constexpr KeychainOptions ignoring{.ignoreSynchronizable = true};
+
+std::optional<KeychainStatus> failureOf(const std::function<void()>& operation) {
+  try {
+    operation();
+    return std::nullopt;
+  } catch (const KeychainError& error) {
+    return error.status();
+  }
+}
+
+class FileKeychainTest : public testing::Test {
+ protected:
+  Testing::TemporaryDirectory root_;
+  fs::path directory_ = root_.path() / "data/items";
+  FileKeychain keychain_{settings, directory_};
+
+  std::vector<fs::path> files() const {
+    std::vector<fs::path> result;
+    for (const auto& entry : fs::directory_iterator(directory_)) result.push_back(entry.path());
+    return result;
+  }
+  fs::path onlyFile() const {
+    const auto all = files();
+    EXPECT_EQ(all.size(), 1U);
+    return all.at(0);
+  }
+};
+
+TEST_F(FileKeychainTest, keepsItemsApartByGroupAndKey) {
+  EXPECT_EQ(keychain_.data("a"), std::nullopt);
+  keychain_.remove("a");
+  EXPECT_FALSE(fs::exists(directory_)) << "looking creates nothing";
+
+  const std::string binary("\0\xff{\n", 4);
+  FileKeychain otherGroup({.service = settings.service, .accessGroup = "group.Other"}, directory_);
+  const std::vector<std::string> keys{"a", "A", "../a", "a/b", ".", "a+b", "a%2Bb", "\xc3\xa9", std::string("a\0", 2)};
+  for (const auto& key : keys) keychain_.set(key + binary, key, ignoring);
+  otherGroup.set("other", "a");
+  for (const auto& key : keys) EXPECT_EQ(keychain_.data(key, ignoring), key + binary) << key;
+  EXPECT_EQ(otherGroup.data("a"), "other");
+  EXPECT_EQ(files().size(), keys.size() + 1) << "nothing but the items, all in this directory";
+
+  keychain_.set("", "a");
+  EXPECT_EQ(FileKeychain(settings, directory_).data("a"), "") << "an empty item is an item, also for a new handle";
+  keychain_.remove("a", ignoring);
+  EXPECT_EQ(keychain_.data("a"), std::nullopt);
+  EXPECT_EQ(keychain_.data("A"), "A" + binary);
+  EXPECT_EQ(otherGroup.data("a"), "other");
+}
+
+TEST_F(FileKeychainTest, onlyTheUserCanRead) {
+  const mode_t umask = ::umask(0);
+  keychain_.set("secret", "key");
+  ::umask(umask);
+  EXPECT_EQ(fs::status(directory_).permissions(), fs::perms::owner_all);
+  EXPECT_EQ(fs::status(onlyFile()).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST_F(FileKeychainTest, refusesWhatCannotBeStored) {
+  EXPECT_EQ(failureOf([&] { keychain_.set("x", ""); }), KeychainStatus::param);
+  EXPECT_EQ(failureOf([&] { keychain_.set("x", std::string(250, 'k')); }), KeychainStatus::param);
+  EXPECT_EQ(failureOf([&] { keychain_.set(std::string(FileKeychain::maximumSize + 1, 'x'), "key"); }),
+            KeychainStatus::param);
+  const std::string longest(FileKeychain::maximumSize, 'x');
+  keychain_.set(longest, "key");
+  EXPECT_EQ(keychain_.data("key"), longest);
+  EXPECT_EQ(failureOf([] { FileKeychain(settings, "").set("x", "key"); }), KeychainStatus::io);
+}
+
+TEST_F(FileKeychainTest, aDamagedFileIsNeverAnItemAndTheNextWriteMendsIt) {
+  keychain_.set("the item's data", "key");
+  const fs::path file = onlyFile();
+  const std::string whole = Testing::contentOf(file);
+  const auto expectDamaged = [&](const std::string& content) {
+    root_.write(file.lexically_relative(root_.path()), content);
+    EXPECT_EQ(failureOf([&] { static_cast<void>(keychain_.data("key")); }), KeychainStatus::decode);
+  };
+  for (std::size_t length = 0; length < whole.size(); ++length) {
+    SCOPED_TRACE(length);
+    expectDamaged(whole.substr(0, length));
+    std::string flipped = whole;
+    flipped[length] ^= 1;
+    expectDamaged(flipped);
+  }
+  expectDamaged(whole + '\0');
+  expectDamaged(std::string(whole.size(), '\0'));
+
+  keychain_.set("new", "key");
+  EXPECT_EQ(keychain_.data("key"), "new");
+  keychain_.set("other item", "other");
+  for (const fs::path& each : files()) {
+    if (each != file) fs::rename(each, file);
+  }
+  EXPECT_EQ(failureOf([&] { static_cast<void>(keychain_.data("key")); }), KeychainStatus::decode)
+      << "another item's file under this item's name";
+}
+
+TEST_F(FileKeychainTest, aFileThatIsNotTheUsersAloneIsNotRead) {
+  struct Case {
+    const char* name;
+    std::function<void(const fs::path&)> spoil;
+    bool needsRoot = false;
+  };
+  const fs::path outside = root_.path() / "outside";
+  const Case cases[] = {
+      {"link to a sound item",
+       [&](const fs::path& file) {
+         fs::rename(file, outside);
+         fs::create_symlink(outside, file);
+       }},
+      {"open to the group",
+       [](const fs::path& file) { fs::permissions(file, fs::perms::group_read, fs::perm_options::add); }},
+      {"a pipe",
+       [](const fs::path& file) {
+         fs::remove(file);
+         ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+       }},
+      {"someone else's", [](const fs::path& file) { ASSERT_EQ(::chown(file.c_str(), 12345, 12345), 0); }, true},
+  };
+  for (const Case& c : cases) {
+    if (c.needsRoot && ::geteuid() != 0) continue;
+    SCOPED_TRACE(c.name);
+    keychain_.set("data", "key");
+    c.spoil(onlyFile());
+    EXPECT_EQ(failureOf([&] { static_cast<void>(keychain_.data("key")); }), KeychainStatus::io);
+    keychain_.set("mended", "key");
+    EXPECT_EQ(keychain_.data("key"), "mended");
+    keychain_.remove("key");
+  }
+  EXPECT_NE(Testing::contentOf(outside).find("data"), std::string::npos) << "the link's target was left alone";
+
+  const fs::path link = root_.path() / "link";
+  fs::create_directory_symlink(directory_, link);
+  FileKeychain throughLink(settings, link);
+  EXPECT_EQ(failureOf([&] { throughLink.set("x", "key"); }), KeychainStatus::io);
+  EXPECT_EQ(failureOf([&] { static_cast<void>(throughLink.data("key")); }), KeychainStatus::io);
+}
+
+TEST_F(FileKeychainTest, aWriteThatFailsHalfwayKeepsTheOldItem) {
+  keychain_.set("old", "key");
+  rlimit before{};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+  rlimit small = before;
+  small.rlim_cur = 100;
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+  const auto failure = failureOf([&] { keychain_.set(std::string(1000, 'x'), "key"); });
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
+  std::signal(SIGXFSZ, handler);
+
+  EXPECT_EQ(failure, KeychainStatus::io);
+  EXPECT_EQ(keychain_.data("key"), "old");
+  EXPECT_EQ(files().size(), 1U) << "no part of the new one stays behind";
+}
+
+TEST_F(FileKeychainTest, whatADeadWriterLeftBehindGoesAwayButALiveOnesStays) {
+  keychain_.set("data", "key");
+  const std::string name = onlyFile().filename();
+  const auto leave = [&](const std::string& suffix, std::chrono::seconds age) {
+    const fs::path file = root_.write("data/items/." + name + suffix, "half a secr");
+    fs::last_write_time(file, fs::file_time_type::clock::now() - age);
+    return file;
+  };
+  const fs::path dead = leave(".0123", std::chrono::hours(1));
+  const fs::path alive = leave(".4567", std::chrono::seconds(0));
+  keychain_.remove("key");
+  EXPECT_FALSE(fs::exists(dead));
+  EXPECT_TRUE(fs::exists(alive));
+}
+
+TEST_F(FileKeychainTest, readersSeeOneWritersDataWhole) {
+  constexpr int rounds = 50;
+  const std::string first(5000, 'a');
+  const std::string second(70, 'b');
+  keychain_.set(first, "key");
+  std::vector<std::thread> threads;
+  for (const std::string* data : {&first, &second}) {
+    threads.emplace_back([this, data] {
+      for (int i = 0; i < rounds; ++i) FileKeychain(settings, directory_).set(*data, "key");
+    });
+  }
+  int torn = 0;
+  for (int i = 0; i < rounds * 4; ++i) {
+    const auto data = keychain_.data("key");
+    torn += data != first && data != second;
+  }
+  for (auto& thread : threads) thread.join();
+  EXPECT_EQ(torn, 0);
+  EXPECT_EQ(files().size(), 1U);
+}
+
+TEST(SelectedKeychainTest, keepsToTheRecordedBackend) {
+  struct Case {
+    std::optional<std::string> record;
+    std::optional<KeychainStatus> failure;
+  };
+  const Case cases[] = {
+      {std::nullopt, std::nullopt},
+      {"file\n", std::nullopt},
+      {"secret-service\n", KeychainStatus::notAvailable},
+      {"", KeychainStatus::notAvailable},
+      {std::string(1000, 'x'), KeychainStatus::io},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.record.value_or("none"));
+    const Testing::TemporaryDirectory root;
+    if (c.record) {
+      fs::permissions(root.write("items/backend", *c.record), fs::perms::owner_read | fs::perms::owner_write);
+    }
+    FileKeychain(settings, root.path() / "items").set("from an earlier run", "key");
+    SelectedKeychain keychain(settings, root.path() / "items");
+    std::optional<std::string> data;
+    EXPECT_EQ(failureOf([&] { data = keychain.data("key"); }), c.failure);
+    EXPECT_EQ(data.has_value(), !c.failure) << "an old item never stands in for one in another backend";
+    EXPECT_EQ(Testing::contentOf(root.path() / "items/backend"), c.record.value_or("file\n"));
+  }
+}
+
+TEST(SelectedKeychainTest, looksAgainAfterAFailure) {
+  const Testing::TemporaryDirectory root;
+  const fs::path obstacle = root.write("items", "a file in the directory's place");
+  SelectedKeychain keychain(settings, obstacle);
+  EXPECT_EQ(failureOf([&] { keychain.set("x", "key"); }), KeychainStatus::io);
+  fs::remove(obstacle);
+  keychain.set("x", "key");
+  EXPECT_EQ(keychain.data("key"), "x");
+}
+
+}  // namespace
+}  // namespace ZAK
