@@ -69,14 +69,16 @@ class DecodingError : public CodingError {
   /// `summary` is what `what()` says after the path; without one it is `debugDescription`.
   DecodingError(Kind kind, std::vector<CodingKey> path, std::string debugDescription, std::string_view summary = {});
   /// Of kind `keyNotFound`.
-  static DecodingError keyNotFound(std::string key, std::vector<CodingKey> path, std::string debugDescription);
+  static DecodingError keyNotFound(std::string key, std::vector<CodingKey> path, std::string debugDescription,
+                                   std::string_view summary = {});
 
   [[nodiscard]] Kind kind() const noexcept { return kind_; }
   /// The missing key; empty for the other kinds.
   [[nodiscard]] const std::string& key() const noexcept { return missingKey(); }
 
  private:
-  DecodingError(std::vector<CodingKey> path, std::string key, std::string debugDescription);
+  DecodingError(Kind kind, std::vector<CodingKey> path, std::string key, std::string debugDescription,
+                std::string_view summary);
 
   Kind kind_;
 };

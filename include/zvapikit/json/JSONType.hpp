@@ -76,8 +76,8 @@ struct JSONType {
   const JSONType* element = nullptr;
   /// Adds an element to an optional, array or map and yields it. A map yields null for a key that it has.
   void* (*emplace)(void* container, std::string_view key) = nullptr;
-  /// Makes room in an array.
-  void (*reserve)(void* array, std::size_t count) = nullptr;
+  /// Empties an array or map and, where that is possible, makes room for `count` elements.
+  void (*clear)(void* container, std::size_t count) = nullptr;
   /// The element of an optional; null when it is empty.
   const void* (*content)(const void* optional) = nullptr;
   /// Hands each element of an array or map to `visit`.
@@ -94,6 +94,8 @@ struct JSONType {
   /// Of a record: its table, and hooks that replace the table's way of reading or writing.
   const JSONField* fields = nullptr;
   std::size_t fieldCount = 0;
+  /// A bit for each required field, the first field lowest.
+  std::uint64_t required = 0;
   void (*decode)(void* record, const JSONValue& value) = nullptr;
   void (*encode)(const void* record, JSONWriter& writer) = nullptr;
 };
@@ -184,6 +186,9 @@ consteval JSONType recordType() {
     static_assert(jsonFieldTable<T>.size() <= 64, "a record has at most 64 fields");
     type.fields = jsonFieldTable<T>.data();
     type.fieldCount = jsonFieldTable<T>.size();
+    for (std::size_t i = 0; i < type.fieldCount; ++i) {
+      if (jsonFieldTable<T>[i].required) type.required |= std::uint64_t{1} << i;
+    }
   }
   if constexpr (JSONSelfDecoding<T>) {
     type.decode = [](void* record, const JSONValue& value) { *static_cast<T*>(record) = T::decodeJSON(value); };
@@ -243,7 +248,11 @@ struct JSONTypeOf<std::vector<T>> {
       .emplace = [](void* array, std::string_view) -> void* {
         return &static_cast<std::vector<T>*>(array)->emplace_back();
       },
-      .reserve = [](void* array, std::size_t count) { static_cast<std::vector<T>*>(array)->reserve(count); },
+      .clear =
+          [](void* array, std::size_t count) {
+            static_cast<std::vector<T>*>(array)->clear();
+            static_cast<std::vector<T>*>(array)->reserve(count);
+          },
       .forEach =
           [](const void* array, void* context, void (*visit)(void*, std::string_view, const void*)) {
             for (const T& element : *static_cast<const std::vector<T>*>(array)) visit(context, {}, &element);
@@ -259,6 +268,7 @@ struct JSONTypeOf<std::map<std::string, T>> {
         auto [position, added] = static_cast<std::map<std::string, T>*>(map)->try_emplace(std::string(key));
         return added ? &position->second : nullptr;
       },
+      .clear = [](void* map, std::size_t) { static_cast<std::map<std::string, T>*>(map)->clear(); },
       .forEach =
           [](const void* map, void* context, void (*visit)(void*, std::string_view, const void*)) {
             for (const auto& [key, element] : *static_cast<const std::map<std::string, T>*>(map)) {

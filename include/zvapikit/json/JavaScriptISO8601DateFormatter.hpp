@@ -24,8 +24,8 @@ class JavaScriptISO8601DateFormatter {
   /// With or without a fraction.
   [[nodiscard]] static std::optional<Date> date(std::string_view text) noexcept;
 
-  /// `2023-04-05T17:09:12.345Z`: UTC, rounded half up to the millisecond. Outside the years 0001 to 9999 the year has
-  /// a sign or more digits, and no function here reads it back.
+  /// `2023-04-05T17:09:12.345Z`: UTC, rounded half up to the millisecond. Of a date outside the years 0001 to 9999 the
+  /// text is no date that can be read back.
   [[nodiscard]] static std::string string(Date date);
 };
 
