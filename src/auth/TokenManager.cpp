@@ -45,7 +45,7 @@ std::shared_ptr<TokenManager> TokenManager::create(const boost::asio::any_io_exe
 TokenManager::TokenManager(Private, const boost::asio::any_io_executor& executor, std::unique_ptr<TokenStorage> storage,
                            std::unique_ptr<TokenSupplicant> supplicant, DelegateReference<LoggerDelegate> logger,
                            std::shared_ptr<Clock> clock)
-    : strand_(boost::asio::make_strand(executor)),
+    : strand_(ContextStrand::create(executor)),
       storage_(std::move(storage)),
       supplicant_(std::move(supplicant)),
       logger_(std::move(logger)),
@@ -56,24 +56,28 @@ template <class Step>
 boost::asio::awaitable<TokenManager::Token> TokenManager::enter(std::shared_ptr<TokenManager> self, Step step) {
   return suspend<Token>([self = std::move(self), step = std::move(step)](std::unique_ptr<Waiter<Token>> waiter,
                                                                          boost::asio::cancellation_slot slot) mutable {
-    if (!self->strand_) return waiter->resume(boost::asio::error::operation_aborted, std::nullopt);
     auto call = std::make_shared<Call>();
     call->waiter = std::move(waiter);
     if (slot.is_connected()) {
       // Weak throughout: the slot may outlive the execution context, which a strand must not.
       slot.assign([weakSelf = std::weak_ptr(self), weakCall = std::weak_ptr(call)](boost::asio::cancellation_type) {
-        const auto manager = weakSelf.lock();
-        if (!manager || !manager->strand_) return;
-        boost::asio::post(*manager->strand_, [weakCall] {
-          if (const auto waiting = weakCall.lock()) waiting->end(boost::asio::error::operation_aborted, std::nullopt);
-        });
+        if (const auto manager = weakSelf.lock()) manager->cancelLater(weakCall);
       });
     }
-    const Strand strand = *self->strand_;
+    const auto strand = self->strand_->executor();
     boost::asio::post(strand, [self = std::move(self), call = std::move(call), step = std::move(step)]() mutable {
       step(*self, call);
     });
   });
+}
+
+void TokenManager::cancelLater(const std::weak_ptr<Call>& call) {
+  try {
+    boost::asio::post(strand_->executor(), [call] {
+      if (const auto waiting = call.lock()) waiting->end(boost::asio::error::operation_aborted, std::nullopt);
+    });
+  } catch (const boost::system::system_error&) {  // the execution context has ended, and the call with it
+  }
 }
 
 boost::asio::awaitable<std::optional<TokenDto>> TokenManager::validToken() {
@@ -117,7 +121,7 @@ void TokenManager::retrieveValidToken(const std::shared_ptr<Call>& call) {
 void TokenManager::startRefresh(const std::shared_ptr<Call>& call) {
   refreshTask_ = std::make_shared<Refresh>();
   refreshTask_->calls.push_back(call);
-  boost::asio::co_spawn(*strand_, runRefresh(shared_from_this(), refreshTask_), boost::asio::detached);
+  boost::asio::co_spawn(strand_->executor(), runRefresh(shared_from_this(), refreshTask_), boost::asio::detached);
 }
 
 boost::asio::awaitable<void> TokenManager::runRefresh(std::shared_ptr<TokenManager> self,
@@ -186,7 +190,6 @@ TokenManager::Token TokenManager::readCurrentToken() { return currentToken_ ? cu
 bool TokenManager::isExpired(const TokenDto& token) const { return expiryDate(token) < clock_->now(); }
 
 void TokenManager::contextShutdown() noexcept {
-  strand_.reset();
   refreshTask_.reset();
 }
 

@@ -7,7 +7,7 @@
 
 #include "auth/TokenStorage.hpp"
 #include "auth/TokenSupplicant.hpp"
-#include "http/ContextBound.hpp"
+#include "http/ContextStrand.hpp"
 #include "http/Waiter.hpp"
 
 #include <zvapikit/core/DelegateReference.hpp>
@@ -16,7 +16,6 @@
 
 #include <boost/asio/any_io_executor.hpp>
 #include <boost/asio/awaitable.hpp>
-#include <boost/asio/strand.hpp>
 
 namespace ZAK {
 
@@ -54,7 +53,6 @@ class TokenManager final : public std::enable_shared_from_this<TokenManager>, pr
   boost::asio::awaitable<void> clear();
 
  private:
-  using Strand = boost::asio::strand<boost::asio::any_io_executor>;
   using Token = std::optional<TokenDto>;
 
   /// One call from its start to its end. The waiter is gone once the call has ended, also by cancellation.
@@ -72,6 +70,7 @@ class TokenManager final : public std::enable_shared_from_this<TokenManager>, pr
 
   template <class Step>
   static boost::asio::awaitable<Token> enter(std::shared_ptr<TokenManager> self, Step step);
+  void cancelLater(const std::weak_ptr<Call>& call);
   static boost::asio::awaitable<void> runRefresh(std::shared_ptr<TokenManager> self, std::shared_ptr<Refresh> refresh);
   static boost::asio::awaitable<TokenDto> obtainToken(std::shared_ptr<TokenManager> self);
 
@@ -87,7 +86,7 @@ class TokenManager final : public std::enable_shared_from_this<TokenManager>, pr
 
   void contextShutdown() noexcept override;
 
-  std::optional<Strand> strand_;  // gone once the execution context is
+  std::shared_ptr<ContextStrand> strand_;
   std::unique_ptr<TokenStorage> storage_;
   std::unique_ptr<TokenSupplicant> supplicant_;
   DelegateReference<LoggerDelegate> logger_;

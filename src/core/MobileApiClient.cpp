@@ -143,7 +143,7 @@ boost::asio::awaitable<void> MobileApiClient::send(HTTPRequest request, Route ro
 
 boost::asio::awaitable<void> MobileApiClient::sendKeeping(std::shared_ptr<MobileApiClient> self, HTTPRequest request,
                                                           Route route, DecodeTarget target) {
-  co_await openToEveryCancellation();
+  co_await acceptAllCancellation();
   const Parts& parts = *self->parts_;
   if (route == Route::signedIn) {
     request.maxRetries = MobileApiAuthentifier::maxRetries;
@@ -163,7 +163,7 @@ boost::asio::awaitable<void> MobileApiClient::logout() {
 }
 
 boost::asio::awaitable<void> MobileApiClient::clearKeeping(std::shared_ptr<MobileApiClient> self, bool signsOut) {
-  co_await openToEveryCancellation();
+  co_await acceptAllCancellation();
   const auto authentifier = self->parts_->authentifier;
   co_await authentifier->tokenManager()->clear();
   if (!signsOut) co_return;
