@@ -4,11 +4,11 @@
 #include <zvapikit/keychain/FileKeychain.hpp>
 #include <zvapikit/platform/Directories.hpp>
 
+#include <climits>
 #include <openssl/evp.h>
 
 #include <array>
 #include <cstdint>
-#include <limits.h>
 
 namespace ZAK {
 namespace {
