@@ -6,6 +6,7 @@
 #include <zvapikit/core/MobileApiDomain.hpp>
 #include <zvapikit/model/CreatePostDto.hpp>
 #include <zvapikit/model/Identifiers.hpp>
+#include <zvapikit/model/PostActionDto.hpp>
 #include <zvapikit/model/PostDto.hpp>
 
 #include <boost/asio/awaitable.hpp>
