@@ -25,7 +25,6 @@ struct UsageError : std::runtime_error {
 struct Argument {
   std::string name;
   std::string type;
-  bool required;
 };
 
 /// One operation of the kit, to be called by name.

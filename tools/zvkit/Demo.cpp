@@ -41,6 +41,7 @@ struct Stage {
   ZAK::EmulatorOptions options() const {
     ZAK::EmulatorOptions settings;
     settings.now = [now = clock] { return now->now(); };
+    settings.tokenLifetime = tokenLifetime;
     return settings;
   }
 
@@ -71,6 +72,7 @@ struct Stage {
     if (!holds) throw std::logic_error(std::string("the demo went wrong: not so: ") + claim);
   }
 
+  static constexpr std::chrono::minutes tokenLifetime{10};
   std::shared_ptr<ZAK::ManualClock> clock = std::make_shared<ZAK::ManualClock>(ZAK::ManualClock::autoAdvance);
   ZAK::EmulatorThread emulator;
   boost::asio::io_context io{1};
@@ -132,10 +134,10 @@ awaitable<void> afternoon(std::shared_ptr<Stage> stage, std::shared_ptr<ZAK::Mob
                "a second post is refused");
   stage->step("A second post of the day is refused: " + refusal->errorDescription());
 
-  stage->clock->advance(std::chrono::hours(2));
+  stage->clock->advance(Stage::tokenLifetime);
   co_await content.updateCaption("Coffee first, again ☕");
   Stage::check(stage->exchanges("refresh_token") == 1, "one refresh");
-  stage->step("Two hours later the token had expired: refreshed it, and changed the caption");
+  stage->step("Ten minutes later the token had expired: refreshed it, and changed the caption");
 
   stage->emulator->expireTokens();
   co_await content.updateVisibility(ZAK::PostVisibilityDto::fof);
