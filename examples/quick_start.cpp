@@ -1,5 +1,5 @@
-// The shortest useful host: signs a user in, comments on a friend's post and prints the comment as the back-end sees it.
-// An emulator in this process stands in for the back-end; without it, drop the three lines that name it.
+// The shortest useful host: signs a user in, comments on a friend's post and prints the comment as the back-end sees
+// it. An emulator in this process stands in for the back-end; without it, drop the three lines that name it.
 
 #include <zvapikit/core/Context.hpp>
 #include <zvapikit/core/FirebaseAuthentifier.hpp>

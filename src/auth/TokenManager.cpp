@@ -189,8 +189,6 @@ TokenManager::Token TokenManager::readCurrentToken() { return currentToken_ ? cu
 
 bool TokenManager::isExpired(const TokenDto& token) const { return expiryDate(token) < clock_->now(); }
 
-void TokenManager::contextShutdown() noexcept {
-  refreshTask_.reset();
-}
+void TokenManager::contextShutdown() noexcept { refreshTask_.reset(); }
 
 }  // namespace ZAK

@@ -1,11 +1,5 @@
 #pragma once
 
-#include <array>
-#include <string>
-#include <tuple>
-#include <type_traits>
-#include <utility>
-
 #include "Catalogue.hpp"
 
 #include <zvapikit/core/MobileApiClient.hpp>
@@ -14,6 +8,12 @@
 #include <zvapikit/model/Identifiers.hpp>
 
 #include <nlohmann/json.hpp>
+
+#include <array>
+#include <string>
+#include <tuple>
+#include <type_traits>
+#include <utility>
 
 namespace zvkit {
 
@@ -39,7 +39,7 @@ struct ArgumentType {
 };
 
 template <class T>
-  requires std::is_same_v<T, ZAK::PostId> || std::is_same_v<T, ZAK::UserId>
+requires std::is_same_v<T, ZAK::PostId> || std::is_same_v<T, ZAK::UserId>
 struct ArgumentType<T> {
   static T read(const nlohmann::json& value) { return T(ArgumentType<std::string>::read(value)); }
   static std::string name() { return "string"; }
@@ -87,7 +87,8 @@ Operation bind(std::string group, std::string name, boost::asio::awaitable<Resul
       return encoded<Result>((Group(client).*method)(std::move(std::get<I>(values))...));
     };
     return operation;
-  }(std::index_sequence_for<Args...>());
+  }
+  (std::index_sequence_for<Args...>());
 }
 
 }  // namespace zvkit

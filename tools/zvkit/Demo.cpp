@@ -142,8 +142,9 @@ awaitable<void> afternoon(std::shared_ptr<Stage> stage, std::shared_ptr<ZAK::Mob
   stage->emulator->expireTokens();
   co_await content.updateVisibility(ZAK::PostVisibilityDto::fof);
   Stage::check(stage->exchanges("firebase") == 2, "one more sign-in");
-  stage->step("The server rejected the token: signed in anew, sent the request again, and opened the post to "
-              "friends-of-friends");
+  stage->step(
+      "The server rejected the token: signed in anew, sent the request again, and opened the post to "
+      "friends-of-friends");
 }
 
 awaitable<void> evening(std::shared_ptr<Stage> stage, std::shared_ptr<ZAK::MobileApiClient> client) {
@@ -158,9 +159,9 @@ awaitable<void> evening(std::shared_ptr<Stage> stage, std::shared_ptr<ZAK::Mobil
 }
 
 /// Runs one part of the day with a client of its own, until nothing is in flight.
-void play(const std::shared_ptr<Stage>& stage,
-          std::initializer_list<awaitable<void> (*)(std::shared_ptr<Stage>, std::shared_ptr<ZAK::MobileApiClient>)>
-              parts) {
+void play(
+    const std::shared_ptr<Stage>& stage,
+    std::initializer_list<awaitable<void> (*)(std::shared_ptr<Stage>, std::shared_ptr<ZAK::MobileApiClient>)> parts) {
   const auto client = stage->openApp();
   for (const auto part : parts) {
     stage->io.restart();

@@ -1,8 +1,5 @@
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include <zvapikit/core/MobileApiDomain.hpp>
 #include <zvapikit/model/CreatePostDto.hpp>
 #include <zvapikit/model/Identifiers.hpp>
@@ -10,6 +7,9 @@
 #include <zvapikit/model/PostDto.hpp>
 
 #include <boost/asio/awaitable.hpp>
+
+#include <string>
+#include <vector>
 
 namespace ZAK {
 

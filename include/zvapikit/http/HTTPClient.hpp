@@ -1,15 +1,15 @@
 #pragma once
 
-#include <memory>
-#include <optional>
-#include <vector>
-
 #include <zvapikit/http/Clock.hpp>
 #include <zvapikit/http/HTTPClientDelegate.hpp>
 #include <zvapikit/http/HTTPValidator.hpp>
 #include <zvapikit/http/Transport.hpp>
 
 #include <boost/asio/awaitable.hpp>
+
+#include <memory>
+#include <optional>
+#include <vector>
 
 namespace ZAK {
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <exception>
-#include <memory>
-#include <variant>
-
 #include <zvapikit/http/HTTPRequest.hpp>
 #include <zvapikit/http/HTTPResponse.hpp>
 #include <zvapikit/http/HTTPRetryStrategy.hpp>
+
+#include <exception>
+#include <memory>
+#include <variant>
 
 namespace ZAK {
 

@@ -1,6 +1,5 @@
 #include "auth/TokenManager.hpp"
 #include "http/Cancellation.hpp"
-
 #include "support/Runner.hpp"
 
 #include <zvapikit/core/ZAKError.hpp>
@@ -150,10 +149,10 @@ TEST_F(TokenManagerTests, FallsBackToFirebaseOnlyWhenTheRefreshIsRefused) {
     std::vector<std::string> calls;
   };
   const std::string refresh = "refresh refresh-old";
-  for (const Case& c : {Case{httpFailure(400), {refresh, "create"}}, Case{httpFailure(401), {refresh, "create"}},
-                        Case{httpFailure(499), {refresh, "create"}}, Case{httpFailure(500), {refresh}},
-                        Case{httpFailure(0), {refresh}},
-                        Case{std::make_exception_ptr(std::runtime_error("no record")), {refresh}}}) {
+  for (const Case& c :
+       {Case{httpFailure(400), {refresh, "create"}}, Case{httpFailure(401), {refresh, "create"}},
+        Case{httpFailure(499), {refresh, "create"}}, Case{httpFailure(500), {refresh}}, Case{httpFailure(0), {refresh}},
+        Case{std::make_exception_ptr(std::runtime_error("no record")), {refresh}}}) {
     server->calls.clear();
     server->refreshFailure = c.failure;
     runner.run(manager->clear());
