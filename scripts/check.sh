@@ -5,7 +5,7 @@
 #   scripts/check.sh STEP ...   these, of:
 steps=(asan clang tsan format tidy words headers header-cost header-includes macros)
 set -u
-cd "$(dirname "$0")/.."
+cd "$(dirname "$0")/.." || exit
 
 case "${1:-}" in -h | --help) sed -n '2,5s/^# \{0,1\}//p' "$0" && echo "  ${steps[*]}" && exit 0 ;; esac
 [ $# -eq 0 ] || steps=("$@")
@@ -39,7 +39,7 @@ words() {
 
 public_headers() { git ls-files -- 'include/*.hpp' 'emulator/include/*.hpp'; }
 public_includes=(-Iinclude -Iemulator/include)
-name_of() { sed 's|^.*include/||' <<<"$1"; }
+name_of() { echo "${1##*include/}"; }
 
 # Compiles each public header alone, once a run: prints what fails, and leaves CPU seconds and files included behind.
 compiled=""
