@@ -1,11 +1,11 @@
 #pragma once
 
-#include <chrono>
-#include <cstdint>
-
 #include <zvapikit/http/HTTPRequest.hpp>
 #include <zvapikit/http/HTTPResponse.hpp>
 #include <zvapikit/json/URL.hpp>
+
+#include <chrono>
+#include <cstdint>
 
 namespace ZAK {
 
@@ -34,13 +34,14 @@ class HTTPClientDelegate {
 
   /// Once a call, before its first attempt.
   virtual void didEnqueue(const HTTPRequest& request, const HTTPTransfer& transfer) = 0;
-  /// Before the wait that precedes a retry; `retry` counts from 1.
+  /// Before the wait that precedes a retry, after the strategy's task; `retry` counts from 1.
   virtual void willRetry(const HTTPRequest& request, int retry, std::chrono::milliseconds delay) = 0;
   /// A redirect was followed.
   virtual void didRedirect(const HTTPRequest& request, const URL& destination) = 0;
   /// The server answered with a WWW-Authenticate challenge.
   virtual void didReceiveAuthenticationChallenge(const HTTPRequest& request, const HTTPResponse& response) = 0;
-  /// The transfer waits for a connection of its own because the host's limit of connections is reached.
+  /// The transfer cannot start for want of a connection. For transports that notice it; libcurl's does not tell, so the
+  /// kit's own never calls this.
   virtual void isWaitingForConnectivity(const HTTPRequest& request) = 0;
   /// Once an attempt.
   virtual void didCollectMetrics(const HTTPRequest& request, const HTTPMetrics& metrics) = 0;

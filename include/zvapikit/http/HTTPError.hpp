@@ -1,10 +1,10 @@
 #pragma once
 
+#include <zvapikit/http/HTTPStatusCode.hpp>
+
 #include <exception>
 #include <memory>
 #include <string>
-
-#include <zvapikit/http/HTTPStatusCode.hpp>
 
 namespace ZAK {
 
@@ -16,24 +16,28 @@ namespace ZAK {
 class HTTPError : public std::exception {
  public:
   enum class Kind {
-    status,               ///< an answer came, with a status outside 2xx
-    rejected,             ///< a validator refused the answer; `underlyingError()` says why
-    invalidRequest,       ///< nothing was sent: the URL, a header or the body cannot be
-    cannotFindHost,       ///< the name did not resolve
-    cannotConnect,        ///< no connection: refused, unreachable, or not up within the connect time-out
+    status,                  ///< an answer came, with a status outside 2xx
+    rejected,                ///< a validator refused the answer; `underlyingError()` says why
+    invalidRequest,          ///< nothing was sent: the URL, a header or the body cannot be
+    cannotFindHost,          ///< the name did not resolve
+    cannotConnect,           ///< no connection: refused, unreachable, or not up within the connect time-out
     secureConnectionFailed,  ///< TLS could not be agreed, or the certificate, its name or its chain is not trusted
-    timedOut,             ///< no progress within the request's time-out
-    connectionLost,       ///< the connection ended before the answer was whole
-    invalidAnswer,        ///< what came is no HTTP answer, or its encoding is broken
-    answerTooLarge,       ///< the body is longer than `TransportOptions::maximumBodySize`
-    tooManyRedirects,     ///< more redirects than the request follows
-    emptyResponse,        ///< a record was to be decoded and the answer had no byte
-    other                 ///< anything else; see `transportCode()`
+    timedOut,                ///< no progress within the request's time-out
+    connectionLost,          ///< the connection ended before the answer was whole
+    invalidAnswer,           ///< what came is no HTTP answer, or its encoding is broken
+    answerTooLarge,          ///< the body is longer than `TransportOptions::maximumBodySize`
+    tooManyRedirects,        ///< more redirects than the request follows
+    emptyResponse,           ///< a record was to be decoded and the answer had no byte
+    other                    ///< anything else; see `transportCode()`
   };
 
   /// A failure without an answer (`status()` is 0) or after one. `transportCode` is libcurl's, 0 when it had none.
   HTTPError(Kind kind, HTTPStatusCode status, std::string message, int transportCode = 0,
             std::shared_ptr<const std::exception> underlyingError = nullptr);
+  /// The error of an answer whose status is outside 2xx.
+  static HTTPError unsuccessful(HTTPStatusCode status);
+  /// The error of decoding a record from an answer without a byte.
+  static HTTPError emptyResponse(HTTPStatusCode status);
 
   [[nodiscard]] Kind kind() const noexcept { return state_->kind; }
   /// The answer's status; 0 when no answer came.

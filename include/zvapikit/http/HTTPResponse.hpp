@@ -1,12 +1,12 @@
 #pragma once
 
-#include <optional>
-#include <string>
-
 #include <zvapikit/http/HTTPError.hpp>
 #include <zvapikit/http/HTTPHeaders.hpp>
 #include <zvapikit/http/HTTPMetrics.hpp>
 #include <zvapikit/http/HTTPStatusCode.hpp>
+
+#include <optional>
+#include <string>
 
 namespace ZAK {
 
@@ -21,6 +21,8 @@ struct HTTPResponse {
   std::optional<HTTPError> error;
   /// Of the last attempt.
   HTTPMetrics metrics;
+  /// True once any byte of an answer has come, so that the server has acted on the request; set by the client.
+  bool answerStarted = false;
 
   /// True when an answer came, whatever its status.
   [[nodiscard]] bool hasAnswer() const noexcept { return statusCode.code() != 0; }

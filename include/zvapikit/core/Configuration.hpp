@@ -1,0 +1,28 @@
+#pragma once
+
+#include <array>
+#include <string_view>
+
+#include <zvapikit/json/RawValue.hpp>
+
+namespace ZAK {
+
+/// Which of the back-end's environments a client talks to.
+struct Configuration {
+  enum class Environment { sandbox, production };
+
+  Environment environment = Environment::production;
+
+  bool operator==(const Configuration&) const = default;
+};
+
+template <>
+struct RawValues<Configuration::Environment> {
+  static constexpr std::string_view name = "Environment";
+  static constexpr std::array cases{
+      RawCase{Configuration::Environment::sandbox, "sandbox"},
+      RawCase{Configuration::Environment::production, "production"},
+  };
+};
+
+}  // namespace ZAK

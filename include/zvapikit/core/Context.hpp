@@ -1,0 +1,58 @@
+#pragma once
+
+#include <memory>
+
+#include <zvapikit/core/Configuration.hpp>
+#include <zvapikit/core/DelegateReference.hpp>
+#include <zvapikit/core/DeviceInfo.hpp>
+#include <zvapikit/core/Servers.hpp>
+#include <zvapikit/http/TransportOptions.hpp>
+#include <zvapikit/platform/BundleInfo.hpp>
+#include <zvapikit/platform/Directories.hpp>
+
+#include <boost/asio/any_io_executor.hpp>
+
+namespace ZAK {
+
+class Clock;
+class FirebaseAuthentifier;
+class InterceptorDelegate;
+class Keychain;
+class LoggerDelegate;
+class MonitorDelegate;
+class Transport;
+
+/// All that a client is built from. Fill in what is needed and hand it to `MobileApiClient::create`, on a line of its
+/// own: as a value that owns memory it must not be a temporary of a `co_await` expression.
+///
+/// Delegates are held weakly: the host keeps them alive, and one that is gone is simply no longer called.
+struct Context {
+  Configuration configuration = {};
+  DeviceInfo deviceInfo = {};
+  /// Source of Firebase ID tokens; without one, token requests go out without a token.
+  DelegateReference<FirebaseAuthentifier> authentifier = {};
+  DelegateReference<MonitorDelegate> monitor = {};
+  DelegateReference<InterceptorDelegate> interceptor = {};
+  DelegateReference<LoggerDelegate> logger = {};
+
+  /// Where the client's work runs: an `io_context`, a `thread_pool`, or a strand of one. Required. The context behind
+  /// it may end before the client does; calls in flight are then dropped without resuming.
+  boost::asio::any_io_executor executor = {};
+  /// The host application, as told in the User-Agent.
+  BundleInfo bundle = {};
+  TransportOptions transport = {};
+  Servers servers = {};
+  /// Where the token is kept; null means the process's shared handle, `KeychainFactory::shared()`.
+  std::shared_ptr<Keychain> keychain = nullptr;
+  Directories directories = {};
+  /// Shows tokens as `<redacted>` in the log line of a rejected bearer and in printed bodies, and keeps the text of a
+  /// JSON parser that quotes a body to itself.
+  bool redactsSecrets = false;
+
+  /// For tests: carries the requests instead of the network when set.
+  std::shared_ptr<Transport> testTransport = nullptr;
+  /// For tests: the client's time; null means the machine's clock.
+  std::shared_ptr<Clock> clock = nullptr;
+};
+
+}  // namespace ZAK

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <concepts>
+#include <memory>
+
+namespace ZAK {
+
+/// A weak reference to an object of the host's. The kit never keeps a delegate alive: it loads the reference afresh at
+/// each use and skips the call when the object is gone.
+///
+/// A temporary `shared_ptr` is refused at compile time, since its object would be gone at once.
+template <class Delegate>
+class DelegateReference {
+ public:
+  DelegateReference() = default;
+  DelegateReference(std::nullptr_t) {}
+  template <class T>
+    requires std::convertible_to<T*, Delegate*>
+  DelegateReference(const std::shared_ptr<T>& delegate) : delegate_(delegate) {}
+  template <class T>
+    requires std::convertible_to<T*, Delegate*>
+  DelegateReference(const std::shared_ptr<T>&& delegate) = delete;
+  template <class T>
+    requires std::convertible_to<T*, Delegate*>
+  DelegateReference(const std::weak_ptr<T>& delegate) : delegate_(delegate) {}
+
+  /// The delegate, or null when there is none or it is gone.
+  [[nodiscard]] std::shared_ptr<Delegate> lock() const noexcept { return delegate_.lock(); }
+
+ private:
+  std::weak_ptr<Delegate> delegate_;
+};
+
+}  // namespace ZAK

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string_view>
+
+namespace ZAK {
+
+/// About the kit itself.
+struct Info {
+  /// The version of the library that is linked, for example `1.0.0`.
+  [[nodiscard]] static std::string_view version() noexcept;
+};
+
+}  // namespace ZAK

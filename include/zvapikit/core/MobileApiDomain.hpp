@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+
+#include <zvapikit/core/Configuration.hpp>
+#include <zvapikit/core/Domain.hpp>
+
+namespace ZAK {
+
+class MobileApiClient;
+
+/// Base of the endpoint groups: cheap objects that hold their client weakly. A group that outlives its client fails
+/// every call with `ZAKError::noClientAvailable` and never revives.
+///
+/// Each operation is an ordinary function that takes its arguments by value and builds its whole request; nothing it
+/// was given needs to outlive the call, and an awaitable that is never awaited does nothing. Whatever fails is thrown
+/// when the awaitable is awaited, never by the call itself. See `Client` for executors, cancellation and errors.
+///
+/// Thread safety: operations may be called from any thread, any number at once.
+class MobileApiDomain : public Domain {
+ public:
+  /// \throws std::invalid_argument when `client` is null.
+  explicit MobileApiDomain(const std::shared_ptr<MobileApiClient>& client);
+
+  [[nodiscard]] const Configuration& configuration() const noexcept { return configuration_; }
+  /// \throws ZAKError `noClientAvailable` when the client is gone.
+  [[nodiscard]] std::shared_ptr<MobileApiClient> client() const;
+
+ protected:
+  [[nodiscard]] const std::weak_ptr<MobileApiClient>& weakClient() const noexcept { return client_; }
+
+ private:
+  Configuration configuration_;
+  std::weak_ptr<MobileApiClient> client_;
+};
+
+}  // namespace ZAK

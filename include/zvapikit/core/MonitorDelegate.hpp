@@ -1,0 +1,31 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include <zvapikit/http/HTTPClientDelegate.hpp>
+
+namespace ZAK {
+
+/// Watches the kit's traffic, on both of its servers and on clients of `MobileApiClient::buildRaw()`. When a request
+/// has finished, `didReceive` is called before `didComplete`.
+///
+/// Requests, URLs and bodies may hold tokens: do not log them whole.
+///
+/// Thread safety: called from any thread that runs the client's executor, for several calls at once. Must not block.
+/// What it throws is swallowed.
+class MonitorDelegate {
+ public:
+  virtual ~MonitorDelegate() = default;
+
+  /// Once a call, before its first attempt.
+  virtual void didEnqueue(const HTTPRequest& request, const HTTPTransfer& transfer) = 0;
+  /// Once an attempt.
+  virtual void didCollectMetrics(const HTTPRequest& request, const HTTPMetrics& metrics) = 0;
+  /// Once a call, at its end; `error` is null when the call succeeded. A cancelled call is not reported.
+  virtual void didComplete(const HTTPRequest& request, const HTTPError* error) = 0;
+  /// Just before `didComplete`; `body` is absent when no answer came or it had no body.
+  virtual void didReceive(const HTTPRequest& request, std::optional<std::string_view> body) = 0;
+};
+
+}  // namespace ZAK

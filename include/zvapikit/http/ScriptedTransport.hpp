@@ -1,0 +1,82 @@
+#pragma once
+
+#include <zvapikit/http/Transport.hpp>
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace ZAK {
+
+/// Holds coroutines of a test back until the test lets them go, so that it sets the order of operations that run at
+/// once. Copies are the same hold. It serves answers of a `ScriptedTransport`, and a test's own fakes by `wait`.
+///
+/// Thread safety: callable from any thread.
+class ScriptedHold {
+ public:
+  ScriptedHold();
+
+  /// Lets everything held go; whatever comes later is not held at all.
+  void release();
+  /// How many coroutines are held at this moment.
+  [[nodiscard]] std::size_t waiting() const;
+  /// Resumes on the caller's executor after `release()`. Cancellation of any type ends it with `operation_aborted`. A
+  /// held coroutine counts as work of its executor.
+  [[nodiscard]] boost::asio::awaitable<void> wait() const;
+
+ private:
+  struct State;
+  std::shared_ptr<State> state_;
+};
+
+/// How a `ScriptedTransport` ends one attempt.
+class ScriptedAnswer {
+ public:
+  /// An answer of that status.
+  explicit ScriptedAnswer(int status, std::string body = {}, HTTPHeaders headers = HTTPHeaders());
+  /// A failed transfer. It counts as begun to be answered when the error has a status.
+  explicit ScriptedAnswer(const HTTPError& error);
+
+  /// What the transport hands over; free to be changed before the answer is added.
+  TransferResult result;
+};
+
+/// A transport for tests: answers requests from a script, without a network, and records them.
+///
+///     auto transport = std::make_shared<ScriptedTransport>();
+///     transport->add(ScriptedAnswer(200, R"({"id":"p1"})"));
+///     auto client = HTTPClient::create(transport, URL::parse("https://example.org/api"));
+///
+/// Thread safety: callable from any thread.
+class ScriptedTransport final : public Transport {
+ public:
+  ScriptedTransport();
+  ~ScriptedTransport() override;
+
+  /// Answers a request that no answer of its own method and path waits for. Such answers serve in the order of their
+  /// adding, each once.
+  void add(ScriptedAnswer answer);
+  /// The same, held back after the request was recorded.
+  void add(ScriptedAnswer answer, ScriptedHold hold);
+  /// Answers a request of that method whose URL's path ends with `path` (which starts with a `/`). Such answers go
+  /// before those for any request, among themselves in the order of their adding, each once.
+  void add(HTTPMethod method, std::string path, ScriptedAnswer answer);
+  /// The same, held back after the request was recorded.
+  void add(HTTPMethod method, std::string path, ScriptedAnswer answer, ScriptedHold hold);
+
+  /// As in `Transport`. The answer is taken, and the request recorded, when the awaitable begins to run.
+  /// \throws std::logic_error when the script holds no answer for the request; the request is recorded all the same.
+  boost::asio::awaitable<TransferResult> perform(TransferRequest request) override;
+
+  /// All requests so far, as sent.
+  [[nodiscard]] std::vector<TransferRequest> requests() const;
+  /// How many answers nobody asked for yet.
+  [[nodiscard]] std::size_t remainingAnswers() const;
+
+ private:
+  struct State;
+  std::shared_ptr<State> state_;
+};
+
+}  // namespace ZAK

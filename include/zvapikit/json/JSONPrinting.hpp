@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace ZAK {
+
+enum class JSONPrinting {
+  /// Everything as it stands; the text of a parse error quotes what was last read.
+  whole,
+  /// The values of keys that carry tokens show as `<redacted>`, and a parse error quotes nothing.
+  redacted
+};
+
+/// A body for people: indented, keys sorted, slashes unescaped. A body that is not JSON, or nested deeper than 512,
+/// gives the parser's error text, one that is not UTF-8 gives `-`.
+[[nodiscard]] std::string prettyPrinted(std::string_view body, JSONPrinting printing = JSONPrinting::whole);
+
+}  // namespace ZAK

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <zvapikit/json/JSONType.hpp>
+
+#include <optional>
+#include <string_view>
+
+namespace ZAK {
+
+namespace detail {
+struct JSONNode;
+}
+
+/// One value of a body that is being decoded, as a `decodeJSON` hook sees it. The date strategy of the decoder holds
+/// for every read. All reads throw `DecodingError`, with the path from the top of the body.
+///
+/// Valid only during the hook's call. A body that does not decode is read a second time to tell why, so a hook may be
+/// called twice for one value.
+class JSONValue {
+ public:
+  explicit JSONValue(const detail::JSONNode& node) noexcept : node_(&node) {}
+
+  /// The value itself.
+  template <class T>
+  [[nodiscard]] T as() const {
+    T result{};
+    read(jsonType<T>(), &result);
+    return result;
+  }
+
+  /// The value under `key` of this object.
+  template <class T>
+  [[nodiscard]] T get(std::string_view key) const {
+    T result{};
+    read(key, jsonType<T>(), &result);
+    return result;
+  }
+
+  /// The same, absent when the key is missing or its value is null.
+  template <class T>
+  [[nodiscard]] std::optional<T> getIfPresent(std::string_view key) const {
+    return get<std::optional<T>>(key);
+  }
+
+  /// The value itself, by the type's field table even though it has a `decodeJSON` hook.
+  template <JSONRecord T>
+  [[nodiscard]] T fields() const {
+    T result{};
+    readFields(jsonType<T>(), &result);
+    return result;
+  }
+
+  /// The instant to count from, taken from the decoder's source of time.
+  [[nodiscard]] Date now() const;
+
+  /// Throws a `DecodingError` of kind `dataCorrupted` at this value.
+  [[noreturn]] void fail(std::string debugDescription) const;
+
+ private:
+  void read(const JSONType& type, void* result) const;
+  void read(std::string_view key, const JSONType& type, void* result) const;
+  void readFields(const JSONType& type, void* result) const;
+
+  const detail::JSONNode* node_;
+};
+
+}  // namespace ZAK

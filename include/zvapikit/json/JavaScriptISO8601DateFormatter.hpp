@@ -1,0 +1,32 @@
+#pragma once
+
+#include <zvapikit/json/Date.hpp>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace ZAK {
+
+/// Reads and writes instants as ISO 8601 internet date-times of the years 0001 to 9999.
+///
+/// Read: `YYYY-MM-DDThh:mm:ss`, a fraction of 1 to 9 digits where one is asked for (cut off at the millisecond), then
+/// `Z`, `z`, `±hh:mm`, `±hhmm` or `±hh`. `24:00:00` is the next day's midnight. Everything else, impossible days and
+/// surrounding text included, is refused.
+///
+/// Thread safety: no state.
+class JavaScriptISO8601DateFormatter {
+ public:
+  /// The fraction is required.
+  [[nodiscard]] static std::optional<Date> fractional(std::string_view text) noexcept;
+  /// A fraction is refused.
+  [[nodiscard]] static std::optional<Date> plain(std::string_view text) noexcept;
+  /// With or without a fraction.
+  [[nodiscard]] static std::optional<Date> date(std::string_view text) noexcept;
+
+  /// `2023-04-05T17:09:12.345Z`: UTC, rounded half up to the millisecond. Of a date outside the years 0001 to 9999 the
+  /// text is no date that can be read back.
+  [[nodiscard]] static std::string string(Date date);
+};
+
+}  // namespace ZAK

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <optional>
+#include <utility>
+
+namespace ZAK {
+
+/// An optional value that is written as an explicit null when it is empty, where a plain `std::optional` field is left
+/// out. Meant for bodies in which null clears a value.
+template <class T>
+class NullEncodable {
+ public:
+  NullEncodable() = default;
+  NullEncodable(std::optional<T> value) : wrappedValue(std::move(value)) {}  // NOLINT: meant to convert
+
+  std::optional<T> wrappedValue;
+
+  bool operator==(const NullEncodable&) const = default;
+};
+
+}  // namespace ZAK

@@ -1,0 +1,290 @@
+#include "http/CurlEngine.hpp"
+
+#include <boost/asio/associated_cancellation_slot.hpp>
+#include <boost/asio/associated_executor.hpp>
+#include <boost/asio/async_result.hpp>
+#include <boost/asio/dispatch.hpp>
+#include <boost/asio/error.hpp>
+#include <boost/asio/execution/outstanding_work.hpp>
+#include <boost/asio/post.hpp>
+#include <boost/asio/prefer.hpp>
+#include <boost/asio/use_awaitable.hpp>
+#include <boost/system/system_error.hpp>
+
+#include <algorithm>
+#include <new>
+#include <sys/socket.h>
+#include <unistd.h>
+#include <utility>
+
+namespace ZAK {
+namespace {
+
+using Clock_ = std::chrono::steady_clock;
+
+constexpr std::size_t mostIdleHandles = 128;
+/// How often in a row libcurl may ask to be called again at once before others get their turn.
+constexpr int mostImmediateCalls = 16;
+
+void initialiseLibrary() {
+  static const CURLcode code = curl_global_init(CURL_GLOBAL_DEFAULT);
+  if (code != CURLE_OK) throw std::bad_alloc();
+}
+
+}  // namespace
+
+class CurlEngine::Waiter {
+ public:
+  virtual ~Waiter() = default;
+  /// Posts the resumption; at most once.
+  virtual void resume(boost::system::error_code error) = 0;
+};
+
+template <class Handler>
+class CurlEngine::HandlerWaiter final : public Waiter {
+ public:
+  HandlerWaiter(Handler handler, const ContextStrand::Executor& fallback)
+      : handler_(std::move(handler)),
+        executor_(boost::asio::prefer(boost::asio::get_associated_executor(handler_, fallback),
+                                      boost::asio::execution::outstanding_work.tracked)) {}
+
+  void resume(boost::system::error_code error) override {
+    boost::asio::post(executor_, [handler = std::move(handler_), error]() mutable {
+      // Here and not before: emitting a cancellation is the business of the caller's executor too.
+      boost::asio::get_associated_cancellation_slot(handler).clear();
+      std::move(handler)(error);
+    });
+  }
+
+ private:
+  using Associated = boost::asio::associated_executor_t<Handler, ContextStrand::Executor>;
+  using Executor = std::decay_t<decltype(boost::asio::prefer(std::declval<Associated>(),
+                                                             boost::asio::execution::outstanding_work.tracked))>;
+
+  Handler handler_;
+  /// Keeps the caller's context running.
+  Executor executor_;
+};
+
+std::shared_ptr<CurlEngine> CurlEngine::create(const boost::asio::any_io_executor& executor, TransportOptions options) {
+  initialiseLibrary();
+  auto engine = std::make_shared<CurlEngine>(Private(), ContextStrand::create(executor), std::move(options));
+  engine->open();
+  bindToContext(executor, engine);
+  return engine;
+}
+
+CurlEngine::CurlEngine(Private, std::shared_ptr<ContextStrand> strand, TransportOptions options)
+    : strand_(std::move(strand)), settings_(std::move(options)) {}
+
+CurlEngine::~CurlEngine() { close(); }
+
+void CurlEngine::contextShutdown() noexcept { close(); }
+
+void CurlEngine::open() {
+  io_.emplace(strand_->executor(), weak_from_this(), [this](curl_socket_t number, int what) {
+    int running = 0;
+    curl_multi_socket_action(multi_, number, what, &running);
+    pump();
+  });
+  multi_ = curl_multi_init();
+  if (multi_ == nullptr) throw std::bad_alloc();
+  const long perHost = std::max(1, settings_.options.connectionsPerHost);
+  curl_multi_setopt(multi_, CURLMOPT_SOCKETFUNCTION, &CurlEngine::onSocket);
+  curl_multi_setopt(multi_, CURLMOPT_SOCKETDATA, this);
+  curl_multi_setopt(multi_, CURLMOPT_TIMERFUNCTION, &CurlEngine::onTimer);
+  curl_multi_setopt(multi_, CURLMOPT_TIMERDATA, this);
+  curl_multi_setopt(multi_, CURLMOPT_PIPELINING, static_cast<long>(CURLPIPE_MULTIPLEX));
+  curl_multi_setopt(multi_, CURLMOPT_MAX_HOST_CONNECTIONS, perHost);
+  curl_multi_setopt(multi_, CURLMOPT_MAXCONNECTS, 4 * perHost);
+  curl_multi_setopt(multi_, CURLMOPT_MAX_CONCURRENT_STREAMS, 1000L);
+}
+
+void CurlEngine::close() noexcept {
+  if (multi_ == nullptr) return;
+  // Callers that still wait have lost their context: they are destroyed, never resumed. Last, since with them may go
+  // what uses this engine.
+  const auto orphans = std::exchange(running_, {});
+  for (const auto& [easy, running] : orphans) {
+    curl_multi_remove_handle(multi_, easy);
+    curl_easy_cleanup(easy);
+  }
+  for (CURL* easy : std::exchange(idle_, {})) curl_easy_cleanup(easy);
+  // Closes the connections, which the sockets are told of.
+  curl_multi_cleanup(std::exchange(multi_, nullptr));
+  io_.reset();
+}
+
+boost::asio::awaitable<void> CurlEngine::run(std::shared_ptr<CurlTransfer> transfer) {
+  auto initiate = [](auto handler, std::shared_ptr<CurlEngine> engine, std::shared_ptr<CurlTransfer> started) {
+    const auto executor = engine->strand_->executor();
+    if (auto slot = boost::asio::get_associated_cancellation_slot(handler); slot.is_connected()) {
+      // The slot may outlive the context, so it must not hold the strand.
+      slot.assign(
+          [weakEngine = std::weak_ptr(engine), weakTransfer = std::weak_ptr(started)](boost::asio::cancellation_type) {
+            const auto target = weakTransfer.lock();
+            if (const auto alive = weakEngine.lock(); alive && target) alive->cancelLater(target);
+          });
+    }
+    // The waiter joins the transfer only on the strand: were they joined here, a context that ends in between would
+    // leave a ring of references.
+    std::unique_ptr<Waiter> waiter = std::make_unique<HandlerWaiter<decltype(handler)>>(std::move(handler), executor);
+    boost::asio::dispatch(
+        executor, [engine = std::move(engine), started = std::move(started), waiter = std::move(waiter)]() mutable {
+          engine->start(std::move(started), std::move(waiter));
+        });
+  };
+  return boost::asio::async_initiate<const boost::asio::use_awaitable_t<>, void(boost::system::error_code)>(
+      std::move(initiate), boost::asio::use_awaitable, shared_from_this(), std::move(transfer));
+}
+
+void CurlEngine::start(std::shared_ptr<CurlTransfer> transfer, std::unique_ptr<Waiter> waiter) {
+  CURL* easy = takeHandle();
+  CURLcode code = easy == nullptr ? CURLE_OUT_OF_MEMORY : transfer->begin(easy, settings_);
+  if (code == CURLE_OK) code = setCallbacks(easy);
+  if (code == CURLE_OK && curl_multi_add_handle(multi_, easy) != CURLM_OK) code = CURLE_FAILED_INIT;
+  Running running{std::move(transfer), std::move(waiter)};
+  if (code != CURLE_OK) {
+    finish(running, code, {});
+    return;
+  }
+  running_.emplace(easy, std::move(running));
+  pumpSoon();
+}
+
+void CurlEngine::cancelLater(const std::shared_ptr<CurlTransfer>& transfer) {
+  try {
+    boost::asio::post(strand_->executor(), [weakEngine = weak_from_this(), weakTransfer = std::weak_ptr(transfer)] {
+      const auto target = weakTransfer.lock();
+      if (const auto alive = weakEngine.lock(); alive && target) alive->cancel(target);
+    });
+  } catch (const boost::system::system_error&) {
+    // The context has ended, and the transfer with it.
+  }
+}
+
+void CurlEngine::cancel(const std::shared_ptr<CurlTransfer>& transfer) {
+  const auto node = running_.extract(transfer->easy());
+  if (!node) return;
+  curl_multi_remove_handle(multi_, node.key());
+  finish(node.mapped(), CURLE_ABORTED_BY_CALLBACK, boost::asio::error::operation_aborted);
+  pump();
+}
+
+void CurlEngine::finish(const Running& running, CURLcode code, boost::system::error_code error) {
+  CURL* easy = running.transfer->easy();
+  running.transfer->end(code);
+  giveBack(easy);
+  running.waiter->resume(error);
+}
+
+void CurlEngine::pumpSoon() {
+  // One call for all the transfers that start together: one each costs a tenth more.
+  if (pumpPosted_) return;
+  pumpPosted_ = true;
+  boost::asio::post(strand_->executor(), [weak = weak_from_this()] {
+    if (const auto engine = weak.lock()) {
+      engine->pumpPosted_ = false;
+      engine->pump();
+    }
+  });
+}
+
+void CurlEngine::pump() {
+  for (int i = 0; i < mostImmediateCalls && deadline_ && *deadline_ <= Clock_::now(); ++i) {
+    deadline_.reset();
+    int running = 0;
+    curl_multi_socket_action(multi_, CURL_SOCKET_TIMEOUT, 0, &running);
+    reap();
+  }
+  reap();
+  setTimer();
+  if (running_.empty()) io_->sockets.pause();
+}
+
+void CurlEngine::reap() {
+  int left = 0;
+  while (const CURLMsg* message = curl_multi_info_read(multi_, &left)) {
+    if (message->msg != CURLMSG_DONE) continue;
+    // Removing the handle ends the message's life.
+    CURL* easy = message->easy_handle;
+    const CURLcode code = message->data.result;
+    curl_multi_remove_handle(multi_, easy);
+    const auto node = running_.extract(easy);
+    finish(node.mapped(), code, {});
+  }
+}
+
+void CurlEngine::setTimer() {
+  if (running_.empty()) {
+    if (timerDeadline_) io_->timer.cancel();
+    timerDeadline_.reset();
+    return;
+  }
+  // A timer that fires early costs less than setting it anew whenever the deadline moves on.
+  if (!deadline_ || (timerDeadline_ && *timerDeadline_ <= *deadline_)) return;
+  timerDeadline_ = deadline_;
+  io_->timer.expires_at(*deadline_);
+  io_->timer.async_wait([weak = weak_from_this()](boost::system::error_code error) {
+    const auto engine = weak.lock();
+    if (!engine || error) return;
+    engine->timerDeadline_.reset();
+    engine->pump();
+  });
+}
+
+CURL* CurlEngine::takeHandle() {
+  if (idle_.empty()) return curl_easy_init();
+  CURL* easy = idle_.back();
+  idle_.pop_back();
+  return easy;
+}
+
+void CurlEngine::giveBack(CURL* easy) {
+  if (easy == nullptr) return;
+  if (idle_.size() >= mostIdleHandles) {
+    curl_easy_cleanup(easy);
+    return;
+  }
+  curl_easy_reset(easy);
+  idle_.push_back(easy);
+}
+
+CURLcode CurlEngine::setCallbacks(CURL* easy) {
+  CURLcode code = curl_easy_setopt(easy, CURLOPT_OPENSOCKETFUNCTION, &CurlEngine::onOpen);
+  if (code == CURLE_OK) code = curl_easy_setopt(easy, CURLOPT_OPENSOCKETDATA, this);
+  if (code == CURLE_OK) code = curl_easy_setopt(easy, CURLOPT_CLOSESOCKETFUNCTION, &CurlEngine::onClose);
+  if (code == CURLE_OK) code = curl_easy_setopt(easy, CURLOPT_CLOSESOCKETDATA, this);
+  return code;
+}
+
+// libcurl must not be called from its callbacks: they only take notes.
+
+int CurlEngine::onSocket(CURL*, curl_socket_t number, int what, void* engine, void*) noexcept {
+  return static_cast<CurlEngine*>(engine)->io_->sockets.watch(number, what) ? 0 : -1;
+}
+
+int CurlEngine::onTimer(CURLM*, long milliseconds, void* engine) noexcept {
+  auto& deadline = static_cast<CurlEngine*>(engine)->deadline_;
+  if (milliseconds < 0) {
+    deadline.reset();
+  } else {
+    deadline = Clock_::now() + std::chrono::milliseconds(milliseconds);
+  }
+  return 0;
+}
+
+curl_socket_t CurlEngine::onOpen(void* engine, curlsocktype, curl_sockaddr* address) noexcept {
+  const int number = ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+  if (number < 0) return CURL_SOCKET_BAD;
+  if (static_cast<CurlEngine*>(engine)->io_->sockets.opened(number)) return number;
+  ::close(number);
+  return CURL_SOCKET_BAD;
+}
+
+int CurlEngine::onClose(void* engine, curl_socket_t number) noexcept {
+  static_cast<CurlEngine*>(engine)->io_->sockets.closing(number);
+  return ::close(number);
+}
+
+}  // namespace ZAK

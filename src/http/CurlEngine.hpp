@@ -1,0 +1,99 @@
+#pragma once
+
+#include "http/ContextBound.hpp"
+#include "http/ContextStrand.hpp"
+#include "http/CurlSettings.hpp"
+#include "http/CurlSockets.hpp"
+#include "http/CurlTransfer.hpp"
+
+#include <boost/asio/any_io_executor.hpp>
+#include <boost/asio/awaitable.hpp>
+#include <boost/asio/basic_waitable_timer.hpp>
+#include <boost/system/error_code.hpp>
+#include <curl/curl.h>
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+namespace ZAK {
+
+/// Drives transfers through libcurl's multi-socket interface on a strand of its own.
+///
+/// Thread safety: `run` is callable from any thread, all else happens on the strand, or on the thread that destroys the
+/// execution context or the last reference.
+class CurlEngine final : public ContextBound, public std::enable_shared_from_this<CurlEngine> {
+  struct Private {
+    explicit Private() = default;
+  };
+
+ public:
+  /// \throws std::invalid_argument when the executor is empty.
+  static std::shared_ptr<CurlEngine> create(const boost::asio::any_io_executor& executor, TransportOptions options);
+  CurlEngine(Private, std::shared_ptr<ContextStrand> strand, TransportOptions options);
+  ~CurlEngine() override;
+
+  /// Carries out the transfer and resumes on the caller's executor. A cancellation that reaches the caller's coroutine
+  /// ends the transfer at once with `operation_aborted`, which is all that this throws.
+  boost::asio::awaitable<void> run(std::shared_ptr<CurlTransfer> transfer);
+
+  void contextShutdown() noexcept override;
+
+ private:
+  using Timer =
+      boost::asio::basic_waitable_timer<std::chrono::steady_clock, boost::asio::wait_traits<std::chrono::steady_clock>,
+                                        ContextStrand::Executor>;
+  /// What refers to the execution context.
+  struct IO {
+    IO(const ContextStrand::Executor& executor, std::weak_ptr<void> owner, CurlSockets::Ready ready)
+        : timer(executor), sockets(executor, std::move(owner), std::move(ready)) {}
+    Timer timer;
+    CurlSockets sockets;
+  };
+  /// A suspended caller.
+  class Waiter;
+  template <class Handler>
+  class HandlerWaiter;
+  struct Running {
+    std::shared_ptr<CurlTransfer> transfer;
+    std::unique_ptr<Waiter> waiter;
+  };
+
+  void open();
+  void close() noexcept;
+
+  void start(std::shared_ptr<CurlTransfer> transfer, std::unique_ptr<Waiter> waiter);
+  void cancel(const std::shared_ptr<CurlTransfer>& transfer);
+  void cancelLater(const std::shared_ptr<CurlTransfer>& transfer);
+  void finish(const Running& running, CURLcode code, boost::system::error_code error);
+
+  void pumpSoon();
+  void pump();
+  void reap();
+  void setTimer();
+
+  CURL* takeHandle();
+  void giveBack(CURL* easy);
+  CURLcode setCallbacks(CURL* easy);
+
+  static int onSocket(CURL* easy, curl_socket_t number, int what, void* engine, void* unused) noexcept;
+  static int onTimer(CURLM* multi, long milliseconds, void* engine) noexcept;
+  static curl_socket_t onOpen(void* engine, curlsocktype purpose, curl_sockaddr* address) noexcept;
+  static int onClose(void* engine, curl_socket_t number) noexcept;
+
+  std::shared_ptr<ContextStrand> strand_;
+  CurlSettings settings_;
+  CURLM* multi_ = nullptr;
+  std::optional<IO> io_;
+  std::unordered_map<CURL*, Running> running_;
+  /// Handles for later transfers, reset.
+  std::vector<CURL*> idle_;
+  /// When libcurl wants to be called next, and when the timer that is running will do so.
+  std::optional<std::chrono::steady_clock::time_point> deadline_;
+  std::optional<std::chrono::steady_clock::time_point> timerDeadline_;
+  bool pumpPosted_ = false;
+};
+
+}  // namespace ZAK

@@ -1,0 +1,144 @@
+#include "http/CurlSettings.hpp"
+
+#include <openssl/ssl.h>
+
+#include <algorithm>
+#include <new>
+#include <string_view>
+#include <utility>
+
+namespace ZAK {
+namespace {
+
+using std::chrono::milliseconds;
+
+/// Sets options until one fails.
+class Setter {
+ public:
+  explicit Setter(CURL* easy) : easy_(easy) {}
+
+  template <class Value>
+  Setter& operator()(CURLoption option, Value value) {
+    if (code_ == CURLE_OK) code_ = curl_easy_setopt(easy_, option, value);
+    return *this;
+  }
+  [[nodiscard]] CURLcode code() const noexcept { return code_; }
+
+ private:
+  CURL* easy_;
+  CURLcode code_ = CURLE_OK;
+};
+
+/// SSLKEYLOGFILE must not make session keys reach the disk.
+CURLcode shutKeyLog(CURL*, void* context, void*) noexcept {
+  SSL_CTX_set_keylog_callback(static_cast<SSL_CTX*>(context), nullptr);
+  return CURLE_OK;
+}
+
+std::string port(int number) { return number == 0 ? std::string() : std::to_string(number); }
+
+std::string bracketed(const std::string& host) {
+  return host.find(':') != std::string::npos && host.front() != '[' ? '[' + host + ']' : host;
+}
+
+bool isBlank(std::string_view text) { return text.find_first_not_of(" \t") == std::string_view::npos; }
+
+/// Everything that an environment variable or a default of libcurl's could steer is set or shut here.
+void setTrust(Setter& set, const CurlSettings& settings) {
+  set(CURLOPT_PROTOCOLS_STR, "https");
+  set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
+  set(CURLOPT_SSL_CTX_FUNCTION, &shutKeyLog);
+  set(CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
+  set(CURLOPT_DISALLOW_USERNAME_IN_URL, 1L);
+  // Without a directory of authorities libcurl reads the file once and keeps it.
+  set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
+  set(CURLOPT_PROXY_CAPATH, static_cast<const char*>(nullptr));
+  if (!settings.caFile.empty()) {
+    set(CURLOPT_CAINFO, settings.caFile.c_str());
+    set(CURLOPT_PROXY_CAINFO, settings.caFile.c_str());
+  }
+  set(CURLOPT_PROXY, settings.options.proxy.value_or("").c_str());
+  set(CURLOPT_NOPROXY, "");
+  set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+}
+
+void setTimes(Setter& set, const CurlSettings& settings, const TransferRequest& request) {
+  const auto stall = std::max(request.timeout.value_or(settings.options.stallTimeout), milliseconds(1));
+  const auto connect = std::clamp(settings.options.connectTimeout, milliseconds(1), stall);
+  set(CURLOPT_LOW_SPEED_LIMIT, 1L);
+  set(CURLOPT_LOW_SPEED_TIME, static_cast<long>(std::chrono::ceil<std::chrono::seconds>(stall).count()));
+  set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(connect.count()));
+}
+
+void setMethod(Setter& set, const TransferRequest& request) {
+  const std::string method(rawValue(request.method));
+  const bool sendsLength =
+      request.method == HTTPMethod::post || request.method == HTTPMethod::put || request.method == HTTPMethod::patch;
+  if (request.method == HTTPMethod::head) {
+    set(CURLOPT_NOBODY, 1L);
+  } else if (request.body.isPresent() || sendsLength) {
+    const auto bytes = request.body.bytes();
+    set(CURLOPT_POST, 1L);
+    set(CURLOPT_POSTFIELDS, bytes.empty() ? "" : bytes.data());
+    set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(bytes.size()));
+    set(CURLOPT_CUSTOMREQUEST, method.c_str());
+  } else {
+    set(CURLOPT_HTTPGET, 1L);
+    if (request.method != HTTPMethod::get) set(CURLOPT_CUSTOMREQUEST, method.c_str());
+  }
+}
+
+}  // namespace
+
+void CurlList::add(const std::string& text) {
+  curl_slist* longer = curl_slist_append(list_.get(), text.c_str());
+  if (longer == nullptr) throw std::bad_alloc();
+  static_cast<void>(list_.release());
+  list_.reset(longer);
+}
+
+CurlSettings::CurlSettings(TransportOptions options_) : options(std::move(options_)) {
+  const char* systemFile = curl_version_info(CURLVERSION_NOW)->cainfo;
+  if (options.caFile) {
+    caFile = options.caFile->string();
+  } else if (systemFile != nullptr) {
+    caFile = systemFile;
+  }
+  for (const auto& entry : options.connectTo) {
+    connectTo.add(bracketed(entry.host) + ':' + port(entry.port) + ':' + bracketed(entry.toHost) + ':' +
+                  port(entry.toPort));
+  }
+}
+
+CurlList headerLines(const TransferRequest& request) {
+  CurlList lines;
+  for (const auto& element : request.headers.elements()) {
+    // `name:` would drop the field; `name;` sends it without a value.
+    lines.add(isBlank(element.value) ? element.name + ';' : element.name + ": " + element.value);
+  }
+  for (const char* name : {"Accept", "Accept-Encoding", "Expect", "Content-Type"}) {
+    if (!request.headers.value(name)) lines.add(std::string(name) + ':');
+  }
+  return lines;
+}
+
+CURLcode configure(CURL* easy, const CurlSettings& settings, const TransferRequest& request, const CurlList& lines) {
+  Setter set(easy);
+  setTrust(set, settings);
+  setTimes(set, settings, request);
+  setMethod(set, request);
+  set(CURLOPT_URL, request.url.c_str());
+  set(CURLOPT_PATH_AS_IS, 1L);
+  set(CURLOPT_FOLLOWLOCATION, 0L);
+  set(CURLOPT_HTTPHEADER, lines.get());
+  set(CURLOPT_ACCEPT_ENCODING, "");
+  set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
+  set(CURLOPT_PIPEWAIT, 1L);
+  set(CURLOPT_CONNECT_TO, settings.connectTo.get());
+  set(CURLOPT_NOSIGNAL, 1L);
+  // Removing a handle whose name is being resolved would otherwise wait for the resolver.
+  set(CURLOPT_QUICK_EXIT, 1L);
+  return set.code();
+}
+
+}  // namespace ZAK

@@ -1,0 +1,110 @@
+#include "http/CurlTransfer.hpp"
+
+#include "http/TransferError.hpp"
+
+#include <algorithm>
+
+namespace ZAK {
+namespace {
+
+/// A length that a server only claims is no reason to set more memory aside than this.
+constexpr std::size_t largestReserve = std::size_t{1} << 20;
+
+template <class Value>
+Value info(CURL* easy, CURLINFO key) {
+  Value value{};
+  curl_easy_getinfo(easy, key, &value);
+  return value;
+}
+
+std::chrono::microseconds duration(CURL* easy, CURLINFO key) {
+  return std::chrono::microseconds(info<curl_off_t>(easy, key));
+}
+
+std::uint64_t byteCount(CURL* easy, CURLINFO key) {
+  return static_cast<std::uint64_t>(std::max<curl_off_t>(0, info<curl_off_t>(easy, key)));
+}
+
+std::string protocolName(long version) {
+  switch (version) {
+    case CURL_HTTP_VERSION_1_0:
+      return "HTTP/1.0";
+    case CURL_HTTP_VERSION_1_1:
+      return "HTTP/1.1";
+    case CURL_HTTP_VERSION_2_0:
+      return "HTTP/2";
+    default:
+      return {};
+  }
+}
+
+}  // namespace
+
+CURLcode CurlTransfer::begin(CURL* easy, const CurlSettings& settings) {
+  easy_ = easy;
+  lines_ = headerLines(request);
+  maximumBodySize_ = settings.options.maximumBodySize;
+  curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, &CurlTransfer::onHeader);
+  curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
+  curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &CurlTransfer::onBody);
+  curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
+  return configure(easy, settings, request, lines_);
+}
+
+void CurlTransfer::end(CURLcode code) {
+  auto& response = result.response;
+  response.statusCode = head_.statusCode();
+  response.headers = head_.takeHeaders();
+  collectMetrics();
+  result.answerStarted = head_.started() || response.metrics.firstByte.count() > 0;
+  if (code != CURLE_OK) {
+    TransferFailure failure;
+    failure.code = code;
+    failure.statusCode = response.statusCode;
+    failure.systemError = static_cast<int>(info<long>(easy_, CURLINFO_OS_ERRNO));
+    failure.verifyResult = info<long>(easy_, CURLINFO_SSL_VERIFYRESULT);
+    failure.connected = result.answerStarted || info<curl_off_t>(easy_, CURLINFO_PRETRANSFER_TIME_T) > 0;
+    failure.bodyTooLarge = bodyTooLarge_;
+    response.error = transferError(failure);
+  } else if (const char* target = info<const char*>(easy_, CURLINFO_REDIRECT_URL)) {
+    redirectTarget = target;
+  }
+  easy_ = nullptr;
+}
+
+void CurlTransfer::collectMetrics() {
+  auto& metrics = result.response.metrics;
+  metrics.firstByte = duration(easy_, CURLINFO_STARTTRANSFER_TIME_T);
+  metrics.total = duration(easy_, CURLINFO_TOTAL_TIME_T);
+  metrics.bytesSent = byteCount(easy_, CURLINFO_SIZE_UPLOAD_T);
+  metrics.bytesReceived = byteCount(easy_, CURLINFO_SIZE_DOWNLOAD_T);
+  metrics.reusedConnection = head_.started() && info<long>(easy_, CURLINFO_NUM_CONNECTS) == 0;
+  if (head_.started()) metrics.protocol = protocolName(info<long>(easy_, CURLINFO_HTTP_VERSION));
+  if (metrics.reusedConnection) return;
+  metrics.nameLookup = duration(easy_, CURLINFO_NAMELOOKUP_TIME_T);
+  metrics.connect = duration(easy_, CURLINFO_CONNECT_TIME_T);
+  metrics.secureConnect = duration(easy_, CURLINFO_APPCONNECT_TIME_T);
+}
+
+std::size_t CurlTransfer::onHeader(char* data, std::size_t size, std::size_t count, void* transfer) noexcept {
+  static_cast<CurlTransfer*>(transfer)->head_.add({data, size * count});
+  return size * count;
+}
+
+std::size_t CurlTransfer::onBody(char* data, std::size_t size, std::size_t count, void* transfer) noexcept {
+  return static_cast<CurlTransfer*>(transfer)->append({data, size * count}) ? size * count : 0;
+}
+
+bool CurlTransfer::append(std::string_view bytes) {
+  auto& body = result.response.body;
+  bodyTooLarge_ = bytes.size() > maximumBodySize_ - body.size();
+  if (bodyTooLarge_) return false;
+  if (body.empty()) {
+    body.reserve(std::min<std::uint64_t>(byteCount(easy_, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T),
+                                         std::min(largestReserve, maximumBodySize_)));
+  }
+  body.append(bytes);
+  return true;
+}
+
+}  // namespace ZAK

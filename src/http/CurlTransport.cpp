@@ -1,0 +1,66 @@
+#include "http/Cancellation.hpp"
+#include "http/CurlEngine.hpp"
+#include "http/CurlTransfer.hpp"
+#include "http/Redirect.hpp"
+
+#include <zvapikit/http/CurlTransport.hpp>
+
+#include <chrono>
+#include <utility>
+
+namespace ZAK {
+namespace {
+
+using std::chrono::microseconds;
+
+/// Makes the metrics of the last exchange those of the whole attempt.
+void account(HTTPMetrics& metrics, microseconds earlier, std::size_t redirects) {
+  for (auto phase :
+       {&HTTPMetrics::nameLookup, &HTTPMetrics::connect, &HTTPMetrics::secureConnect, &HTTPMetrics::firstByte}) {
+    if (metrics.*phase != microseconds::zero()) metrics.*phase += earlier;
+  }
+  metrics.total += earlier;
+  metrics.redirects = static_cast<int>(redirects);
+}
+
+boost::asio::awaitable<TransferResult> performOn(std::shared_ptr<CurlEngine> engine, TransferRequest request) {
+  co_await acceptAllCancellation();
+  const auto begin = std::chrono::steady_clock::now();
+  std::vector<URL> redirects;
+  for (;;) {
+    const auto earlier = std::chrono::floor<microseconds>(std::chrono::steady_clock::now() - begin);
+    const auto transfer = std::make_shared<CurlTransfer>(std::move(request));
+    co_await engine->run(transfer);
+    request = std::move(transfer->request);
+    auto& response = transfer->result.response;
+    const auto step = nextStep(request, response, transfer->redirectTarget, redirects.size());
+    if (!step.destination) {
+      if (step.error) response.error = step.error;
+      account(response.metrics, earlier, redirects.size());
+      transfer->result.redirects = std::move(redirects);
+      co_return std::move(transfer->result);
+    }
+    redirect(request, *step.destination);
+    redirects.push_back(*step.destination);
+  }
+}
+
+class EngineTransport final : public Transport {
+ public:
+  explicit EngineTransport(std::shared_ptr<CurlEngine> engine) : engine_(std::move(engine)) {}
+
+  boost::asio::awaitable<TransferResult> perform(TransferRequest request) override {
+    return performOn(engine_, std::move(request));
+  }
+
+ private:
+  std::shared_ptr<CurlEngine> engine_;
+};
+
+}  // namespace
+
+std::shared_ptr<Transport> CurlTransport::create(boost::asio::any_io_executor executor, TransportOptions options) {
+  return std::make_shared<EngineTransport>(CurlEngine::create(executor, std::move(options)));
+}
+
+}  // namespace ZAK

@@ -1,0 +1,53 @@
+#include "http/ResponseHead.hpp"
+
+#include <charconv>
+
+namespace ZAK {
+namespace {
+
+std::string_view trimmed(std::string_view text) {
+  const auto first = text.find_first_not_of(" \t\r\n");
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
+}
+
+/// The number after the version of a status line; 0 when there is none.
+int statusOf(std::string_view line) {
+  const auto blank = line.find(' ');
+  if (blank == std::string_view::npos) return 0;
+  const auto text = trimmed(line.substr(blank));
+  int status = 0;
+  std::from_chars(text.data(), text.data() + text.size(), status);
+  return status;
+}
+
+}  // namespace
+
+void ResponseHead::add(std::string_view line) {
+  started_ = true;
+  if (line.starts_with("HTTP/")) {
+    const int status = statusOf(line);
+    inHead_ = status >= 200;
+    statusCode_ = HTTPStatusCode(inHead_ ? status : 0);
+    headers_ = {};
+    lastName_.clear();
+    return;
+  }
+  if (!inHead_) return;
+  const auto text = trimmed(line);
+  if (text.empty()) {
+    inHead_ = false;
+  } else if (line.front() == ' ' || line.front() == '\t') {
+    if (!lastName_.empty()) headers_.set({lastName_, headers_.value(lastName_).value_or("") + ' ' + std::string(text)});
+  } else if (const auto colon = text.find(':'); colon != std::string_view::npos) {
+    addField(std::string(trimmed(text.substr(0, colon))), std::string(trimmed(text.substr(colon + 1))));
+  }
+}
+
+void ResponseHead::addField(std::string name, std::string value) {
+  lastName_ = name;
+  if (const auto earlier = headers_.value(name)) value = *earlier + ", " + value;
+  headers_.set({std::move(name), std::move(value)});
+}
+
+}  // namespace ZAK

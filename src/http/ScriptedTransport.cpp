@@ -1,0 +1,142 @@
+#include "http/Gate.hpp"
+
+#include <zvapikit/http/ScriptedTransport.hpp>
+
+#include <boost/asio/this_coro.hpp>
+
+#include <algorithm>
+#include <deque>
+#include <mutex>
+#include <optional>
+#include <stdexcept>
+
+namespace asio = boost::asio;
+
+namespace ZAK {
+
+struct ScriptedHold::State {
+  std::mutex mutex;
+  bool released = false;
+  std::vector<std::weak_ptr<Gate>> gates;
+
+  static asio::awaitable<void> wait(std::shared_ptr<State> state) {
+    const auto gate = std::make_shared<Gate>(co_await asio::this_coro::executor);
+    {
+      const std::scoped_lock lock(state->mutex);
+      if (state->released) co_return;
+      state->gates.push_back(gate);
+    }
+    co_await Gate::wait(gate);
+  }
+};
+
+ScriptedHold::ScriptedHold() : state_(std::make_shared<State>()) {}
+
+void ScriptedHold::release() {
+  const std::scoped_lock lock(state_->mutex);
+  state_->released = true;
+  for (const std::weak_ptr<Gate>& waiter : state_->gates) {
+    if (const std::shared_ptr<Gate> gate = waiter.lock()) gate->open();
+  }
+  state_->gates.clear();
+}
+
+std::size_t ScriptedHold::waiting() const {
+  const std::scoped_lock lock(state_->mutex);
+  return static_cast<std::size_t>(std::count_if(state_->gates.begin(), state_->gates.end(),
+                                                [](const std::weak_ptr<Gate>& gate) { return !gate.expired(); }));
+}
+
+asio::awaitable<void> ScriptedHold::wait() const { return State::wait(state_); }
+
+ScriptedAnswer::ScriptedAnswer(int status, std::string body, HTTPHeaders headers) {
+  result.response.statusCode = HTTPStatusCode(status);
+  result.response.headers = std::move(headers);
+  result.response.body = std::move(body);
+  result.answerStarted = true;
+}
+
+ScriptedAnswer::ScriptedAnswer(const HTTPError& error) {
+  result.response.statusCode = error.statusCode();
+  result.response.error = error;
+  result.answerStarted = result.response.hasAnswer();
+}
+
+struct ScriptedTransport::State {
+  struct Entry {
+    std::optional<HTTPMethod> method;  // absent: any request
+    std::string path;
+    ScriptedAnswer answer;
+    std::optional<ScriptedHold> hold;
+
+    [[nodiscard]] bool isFor(HTTPMethod asked, const std::string& askedPath) const {
+      return method == asked && askedPath.ends_with(path);
+    }
+  };
+
+  mutable std::mutex mutex;
+  std::deque<Entry> script;
+  std::vector<TransferRequest> requests;
+
+  void add(Entry entry) {
+    const std::scoped_lock lock(mutex);
+    script.push_back(std::move(entry));
+  }
+
+  Entry take(TransferRequest request) {
+    const std::scoped_lock lock(mutex);
+    const std::optional<URL> url = URL::parse(request.url);
+    const std::string path = url ? url->path() : std::string();
+    const HTTPMethod method = request.method;
+    requests.push_back(std::move(request));
+    auto found = std::find_if(script.begin(), script.end(), [&](const Entry& e) { return e.isFor(method, path); });
+    if (found == script.end()) {
+      found = std::find_if(script.begin(), script.end(), [](const Entry& entry) { return !entry.method; });
+    }
+    if (found == script.end()) {
+      throw std::logic_error("ScriptedTransport: no answer for " + std::string(rawValue(method)) + " " + path);
+    }
+    Entry entry = std::move(*found);
+    script.erase(found);
+    return entry;
+  }
+
+  static asio::awaitable<TransferResult> perform(std::shared_ptr<State> state, TransferRequest request) {
+    Entry entry = state->take(std::move(request));
+    if (entry.hold) co_await entry.hold->wait();
+    co_return std::move(entry.answer.result);
+  }
+};
+
+ScriptedTransport::ScriptedTransport() : state_(std::make_shared<State>()) {}
+ScriptedTransport::~ScriptedTransport() = default;
+
+void ScriptedTransport::add(ScriptedAnswer answer) { state_->add({{}, {}, std::move(answer), {}}); }
+
+void ScriptedTransport::add(ScriptedAnswer answer, ScriptedHold hold) {
+  state_->add({{}, {}, std::move(answer), std::move(hold)});
+}
+
+void ScriptedTransport::add(HTTPMethod method, std::string path, ScriptedAnswer answer) {
+  state_->add({method, std::move(path), std::move(answer), {}});
+}
+
+void ScriptedTransport::add(HTTPMethod method, std::string path, ScriptedAnswer answer, ScriptedHold hold) {
+  state_->add({method, std::move(path), std::move(answer), std::move(hold)});
+}
+
+asio::awaitable<TransferResult> ScriptedTransport::perform(TransferRequest request) {
+  return State::perform(state_, std::move(request));
+}
+
+std::vector<TransferRequest> ScriptedTransport::requests() const {
+  const std::scoped_lock lock(state_->mutex);
+  return state_->requests;
+}
+
+std::size_t ScriptedTransport::remainingAnswers() const {
+  const std::scoped_lock lock(state_->mutex);
+  return state_->script.size();
+}
+
+}  // namespace ZAK

@@ -1,0 +1,95 @@
+#include "http/TransferError.hpp"
+
+#include <openssl/x509_vfy.h>
+
+#include <cerrno>
+#include <string>
+#include <utility>
+
+namespace ZAK {
+namespace {
+
+using Kind = HTTPError::Kind;
+using Verdict = std::pair<Kind, std::string>;
+
+Verdict connectVerdict(int systemError) {
+  switch (systemError) {
+    case ECONNREFUSED:
+      return {Kind::cannotConnect, "connection refused"};
+    case ENETUNREACH:
+      return {Kind::cannotConnect, "network unreachable"};
+    case EHOSTUNREACH:
+      return {Kind::cannotConnect, "host unreachable"};
+    default:
+      return {Kind::cannotConnect, "could not connect"};
+  }
+}
+
+Verdict certificateVerdict(long verifyResult) {
+  if (verifyResult == X509_V_OK) return {Kind::secureConnectionFailed, "the certificate is not for this host"};
+  return {Kind::secureConnectionFailed,
+          std::string("the certificate is not trusted: ") + X509_verify_cert_error_string(verifyResult)};
+}
+
+Verdict verdict(const TransferFailure& failure) {
+  if (failure.bodyTooLarge) return {Kind::answerTooLarge, "the answer is too large"};
+  switch (failure.code) {
+    case CURLE_COULDNT_RESOLVE_HOST:
+      return {Kind::cannotFindHost, "could not resolve host"};
+    case CURLE_COULDNT_RESOLVE_PROXY:
+      return {Kind::cannotFindHost, "could not resolve proxy"};
+    case CURLE_COULDNT_CONNECT:
+      return connectVerdict(failure.systemError);
+    case CURLE_PROXY:
+      return {Kind::cannotConnect, "the proxy refused the connection"};
+    case CURLE_OPERATION_TIMEDOUT:
+      if (failure.connected) return {Kind::timedOut, "timed out"};
+      return {Kind::cannotConnect, "connecting timed out"};
+
+    case CURLE_PEER_FAILED_VERIFICATION:
+      return certificateVerdict(failure.verifyResult);
+    case CURLE_SSL_CACERT_BADFILE:
+      return {Kind::secureConnectionFailed, "the file of trusted authorities is not readable"};
+    case CURLE_SSL_CONNECT_ERROR:
+    case CURLE_SSL_CIPHER:
+    case CURLE_SSL_CERTPROBLEM:
+    case CURLE_SSL_ISSUER_ERROR:
+    case CURLE_SSL_CLIENTCERT:
+      return {Kind::secureConnectionFailed, "could not agree on a secure connection"};
+
+    case CURLE_GOT_NOTHING:
+      return {Kind::connectionLost, "connection closed without an answer"};
+    case CURLE_PARTIAL_FILE:
+      return {Kind::connectionLost, "the answer was cut short"};
+    case CURLE_SEND_ERROR:
+    case CURLE_RECV_ERROR:
+    case CURLE_SEND_FAIL_REWIND:
+    case CURLE_HTTP2:
+    case CURLE_HTTP2_STREAM:
+      return {Kind::connectionLost, "connection lost"};
+
+    case CURLE_WEIRD_SERVER_REPLY:
+      return {Kind::invalidAnswer, "the answer is not HTTP"};
+    case CURLE_BAD_CONTENT_ENCODING:
+      return {Kind::invalidAnswer, "the encoding of the answer is broken"};
+    case CURLE_UNSUPPORTED_PROTOCOL:
+      if (failure.connected) return {Kind::invalidAnswer, "the answer is not HTTP"};
+      return {Kind::invalidRequest, "the address is not https"};
+    case CURLE_URL_MALFORMAT:
+      return {Kind::invalidRequest, "the address is not valid"};
+    case CURLE_LOGIN_DENIED:
+      return {Kind::invalidRequest, "the address holds a user name"};
+
+    default:
+      return {Kind::other, curl_easy_strerror(failure.code)};
+  }
+}
+
+}  // namespace
+
+HTTPError transferError(const TransferFailure& failure) {
+  auto [kind, message] = verdict(failure);
+  return HTTPError(kind, failure.statusCode, std::move(message), static_cast<int>(failure.code));
+}
+
+}  // namespace ZAK

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <zvapikit/http/HTTPError.hpp>
+
+#include <curl/curl.h>
+
+namespace ZAK {
+
+/// What is known of a transfer that libcurl ended with an error.
+struct TransferFailure {
+  CURLcode code = CURLE_OK;
+  /// 0 when no answer came.
+  HTTPStatusCode statusCode;
+  /// `errno` of the failed system call, 0 when there was none.
+  int systemError = 0;
+  /// OpenSSL's X509_V_ERR_..., 0 when the chain was not what failed.
+  long verifyResult = 0;
+  /// The connection stood, TLS included, and the request was being sent or answered.
+  bool connected = false;
+  /// The body was longer than allowed.
+  bool bodyTooLarge = false;
+};
+
+[[nodiscard]] HTTPError transferError(const TransferFailure& failure);
+
+}  // namespace ZAK

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "json/CodingFrame.hpp"
+
+#include <zvapikit/json/JSONDateStrategy.hpp>
+#include <zvapikit/json/JSONType.hpp>
+
+#include <string>
+#include <string_view>
+
+namespace ZAK::detail {
+
+/// Appends values to a text.
+class JSONOutput {
+ public:
+  explicit JSONOutput(JSONDateStrategy dates) noexcept : dates_(dates) {}
+
+  void write(const JSONType& type, const void* value);
+  void beginObject();
+  void writeField(std::string_view key, const JSONType& type, const void* value);
+  void endObject();
+
+  std::string takeText() { return std::move(text_); }
+
+ private:
+  void writeString(std::string_view text);
+  void writeEscaped(std::string_view text);
+  void writeNumber(double number);
+  void writeRawValue(const JSONType& type, const void* value);
+  void writeDate(Date date);
+  void writeArray(const JSONType& type, const void* array);
+  void writeMap(const JSONType& type, const void* map);
+  void writeRecord(const JSONType& type, const void* record);
+  [[noreturn]] void fail(std::string description) const;
+
+  std::string text_;
+  const JSONDateStrategy dates_;
+  const CodingFrame* frame_ = nullptr;
+};
+
+}  // namespace ZAK::detail

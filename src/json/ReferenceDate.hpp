@@ -1,0 +1,32 @@
+#pragma once
+
+#include <zvapikit/json/Date.hpp>
+
+#include <chrono>
+#include <cmath>
+#include <optional>
+
+namespace ZAK::detail {
+
+/// 2001-01-01T00:00:00Z, from which dates as numbers are counted.
+inline constexpr Date referenceDate = std::chrono::sys_days(std::chrono::year(2001) / 1 / 1);
+
+/// Dates further from the reference date, in seconds, are not counted from it: a little less than a Date can hold.
+inline constexpr double referenceDateReach = 9.2e12;
+
+/// False for dates too near the ends of what a Date can hold to be counted from the reference date.
+inline bool hasSecondsSince2001(Date date) noexcept {
+  constexpr auto limit = std::chrono::seconds(9'198'000'000'000);
+  return date.time_since_epoch() > -limit && date.time_since_epoch() < limit;
+}
+
+/// To the nearest microsecond; absent when there is no such date.
+inline std::optional<Date> dateOfSecondsSince2001(double seconds) noexcept {
+  if (!(std::abs(seconds) < referenceDateReach)) return std::nullopt;
+  // Whole seconds and fraction apart: their product with 10^6 would round a second time.
+  const double whole = std::floor(seconds);
+  const auto microseconds = std::chrono::microseconds(std::llround((seconds - whole) * 1e6));
+  return referenceDate + std::chrono::seconds(static_cast<long long>(whole)) + microseconds;
+}
+
+}  // namespace ZAK::detail
