@@ -3,7 +3,7 @@
 # the public headers. One line a step; the last line is "N passed, N failed".
 #   scripts/check.sh            every step
 #   scripts/check.sh STEP ...   these, of:
-steps=(asan clang tsan format tidy words headers header-cost header-includes macros)
+steps=(asan clang tsan format tidy words layers headers header-cost header-includes macros)
 set -u
 cd "$(dirname "$0")/.." || exit
 
@@ -35,6 +35,29 @@ words() {
   git log --format='%h %s%n%b' | grep -iE "$papers" && found=1
   git grep -nIE '(^|[^A-Za-z0-9_.])/(work|farm)/' -- . && found=1
   return $found
+}
+
+# Which modules may include which, as docs/architecture.md draws it. The composition root alone looks upwards.
+layers() {
+  git grep -nE '#include [<"](zvapikit/)?[a-z]+/[A-Z]' -- 'include/zvapikit/*' 'src/*' ':!src/core/MobileApiClient.cpp' |
+    awk -F'[:/<"]' '
+      BEGIN {
+        allowed["http"] = " json "
+        allowed["keychain"] = " platform "
+        allowed["core"] = " http json keychain platform "
+        allowed["model"] = allowed["core"] "core "
+        allowed["auth"] = allowed["core"] "core "
+        allowed["domains"] = allowed["model"] "model "
+      }
+      {
+        from = $1 == "include" ? $3 : $2
+        match($0, /#include [<"]/)
+        to = substr($0, RSTART + RLENGTH)
+        sub(/^zvapikit\//, "", to)
+        sub(/\/.*/, "", to)
+        if (to != from && index(allowed[from], " " to " ") == 0) { print from " includes " to ": " $0; found = 1 }
+      }
+      END { exit found }'
 }
 
 public_headers() { git ls-files -- 'include/*.hpp' 'emulator/include/*.hpp'; }
