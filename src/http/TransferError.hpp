@@ -10,7 +10,7 @@ namespace ZAK {
 struct TransferFailure {
   CURLcode code = CURLE_OK;
   /// 0 when no answer came.
-  HTTPStatusCode statusCode;
+  HTTPStatusCode statusCode{};
   /// `errno` of the failed system call, 0 when there was none.
   int systemError = 0;
   /// OpenSSL's X509_V_ERR_..., 0 when the chain was not what failed.
