@@ -91,7 +91,7 @@ TestCertificate TestAuthority::issue(Flaw flaw) const {
   if (flaw == Flaw::wrongHost) leaf.hosts = "DNS:other.test";
   if (flaw == Flaw::selfSigned) return make(leaf, nullptr);
   if (flaw == Flaw::untrustedRoot) {
-    const auto stranger = make({"Test root", ""}, nullptr);
+    const auto stranger = make({"Another root", ""}, nullptr);
     return make(leaf, &stranger);
   }
   const auto intermediate = make({"Test intermediate", ""}, &root_);

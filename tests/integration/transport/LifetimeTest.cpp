@@ -294,7 +294,7 @@ TEST_F(LifetimeTest, fourThreadsCancelAtRandom) {
   for (int i = 0; i < calls; ++i) {
     const auto strand = asio::make_strand(pool);
     const auto cancels = std::make_shared<asio::cancellation_signal>();
-    asio::post(strand, [=, this, &server, &ended, delay = milliseconds(random() % 200)] {
+    asio::post(strand, [=, &server, &ended, delay = milliseconds(random() % 200)] {
       asio::co_spawn(strand, callAmongMany(shared, get(server.url()), cancels, &ended),
                      asio::bind_cancellation_slot(cancels->slot(), asio::detached));
       asio::co_spawn(strand, cancelAfter(cancels, delay), asio::detached);

@@ -37,6 +37,7 @@ TEST(ResponseHead, interimOrBrokenStatusIsNoAnswer) {
     const auto head = headOf({line, "X: 1\r\n"});
     EXPECT_TRUE(head.started()) << line;
     EXPECT_EQ(head.statusCode().code(), 0) << line;
+    EXPECT_FALSE(head.complete()) << line;
   }
 }
 
@@ -55,7 +56,9 @@ TEST(TransferError, tellsWhatFailed) {
       {{CURLE_PEER_FAILED_VERIFICATION, {}, 0, X509_V_ERR_CERT_HAS_EXPIRED},
        Kind::secureConnectionFailed,
        "the certificate is not trusted: certificate has expired"},
-      {{CURLE_PEER_FAILED_VERIFICATION}, Kind::secureConnectionFailed, "the certificate is not for this host"},
+      {{CURLE_PEER_FAILED_VERIFICATION, {}, 0, X509_V_ERR_UNSPECIFIED},
+       Kind::secureConnectionFailed,
+       "the certificate is not for this host"},
       {{CURLE_SSL_CONNECT_ERROR}, Kind::secureConnectionFailed, "could not agree on a secure connection"},
       {{CURLE_PARTIAL_FILE, HTTPStatusCode(200), 0, 0, true}, Kind::connectionLost, "the answer was cut short"},
       {{CURLE_UNSUPPORTED_PROTOCOL}, Kind::invalidRequest, "the address is not https"},
