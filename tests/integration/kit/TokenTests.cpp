@@ -208,16 +208,19 @@ TEST(KitTokens, WithoutATokenTheServerDecides) {
   }
 }
 
-TEST(KitTokens, AnExpiredTokenIsNoReasonToDropTheNextOne) {
+TEST(KitTokens, ALateRejectionDropsNoNewerToken) {
   Kit kit;
   kit.signIn();
   // Both calls go out with the same token and are rejected; the second learns of it when the first has a new one.
-  kit.emulator->inject({.server = EmulatorServer::mobile, .token = EmulatorFault::Token::expire});
-  kit.emulator->inject({.server = EmulatorServer::mobile, .delay = milliseconds(150), .answer = EmulatorResponse{401}});
+  kit.emulator->inject({.server = EmulatorServer::mobile, .answer = EmulatorResponse{401}});
+  EmulatorFault late{.delay = milliseconds(150), .answer = EmulatorResponse{401}};
+  late.predicate = [old = kit.storedToken()](const EmulatorRequest& request) { return bearer(request) == old; };
+  const std::size_t fault = kit.emulator->inject(late);
   kit.start(kit.reading());
   kit.start(kit.reading());
   kit.finish();
   EXPECT_EQ(*kit.outcomes, Texts(2, "ok"));
+  EXPECT_EQ(kit.emulator->timesMet(fault), 1u);
   const Texts traffic = kit.traffic();
   EXPECT_EQ(std::count(traffic.begin(), traffic.end(), "firebase"), 1);
 }
