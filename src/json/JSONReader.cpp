@@ -69,10 +69,7 @@ bool store(std::int64_t number, void* value) noexcept {
   return narrowed == number;
 }
 
-std::string numberText(element number) {
-  std::string text = simdjson::minify(number);
-  return text;
-}
+std::string numberText(element number) { return simdjson::minify(number); }
 
 }  // namespace
 
@@ -146,16 +143,15 @@ bool JSONReader::read(const JSONType& type, element value, void* out) {
 }
 
 bool JSONReader::readInteger(const JSONType& type, element value, void* out) {
-  if (!value.is_number()) return failMismatch(type, value);
   std::int64_t number = 0;
-  bool fits = false;
-  if (double fraction; value.is_double()) {
+  bool fits = !value.get_int64().get(number);
+  if (!fits && !value.is_number()) return failMismatch(type, value);
+  if (value.type() == element_type::DOUBLE) {
     constexpr double limit = 9223372036854775808.0;  // 2^63
+    double fraction;
     fits =
         !value.get_double().get(fraction) && fraction >= -limit && fraction < limit && std::trunc(fraction) == fraction;
     if (fits) number = static_cast<std::int64_t>(fraction);
-  } else {
-    fits = !value.get_int64().get(number);
   }
   if (fits) fits = type.size == 4 ? store<std::int32_t>(number, out) : store<std::int64_t>(number, out);
   if (fits) return true;

@@ -105,9 +105,11 @@ std::optional<Date> JavaScriptISO8601DateFormatter::date(std::string_view text) 
 }
 
 std::string JavaScriptISO8601DateFormatter::string(Date date) {
-  // In two steps, since adding half a millisecond to the last instant there is would overflow.
-  auto rounded = floor<milliseconds>(date);
-  if (date - rounded >= std::chrono::microseconds(500)) rounded += milliseconds(1);
+  // Divided by hand, since rounding the first and last dates there are would overflow.
+  const auto microseconds = date.time_since_epoch().count();
+  const auto rest = (microseconds % 1000 + 1000) % 1000;
+  const auto whole = microseconds / 1000 - (microseconds % 1000 < 0 ? 1 : 0);
+  const std::chrono::sys_time<milliseconds> rounded(milliseconds(whole + (rest >= 500 ? 1 : 0)));
   const auto day = floor<days>(rounded);
   const std::chrono::year_month_day ymd{day};
   const int year = int(ymd.year());

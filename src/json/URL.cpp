@@ -104,6 +104,9 @@ bool isPlainHTTPS(std::string_view text) noexcept {
 bool isValid(std::string_view text) {
   const auto parsed = urls::parse_uri_reference({text.data(), text.size()});
   if (!parsed) return false;
+  // The parser ends an authority at the first character that does not fit, and takes the rest for the path.
+  const auto path = parsed->encoded_path();
+  if (parsed->has_authority() && !path.empty() && path.front() != '/') return false;
   if (parsed->has_port() && !parsed->port().empty()) {
     const auto digits = parsed->port();
     const std::size_t significant = std::min(digits.find_first_not_of('0'), digits.size());
