@@ -21,9 +21,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::set<std::string> names;
   for (const auto& element : headers.elements()) {
     for (const std::string& text : {element.name, element.value}) {
-      require(text.find('\n') == std::string::npos && !text.starts_with(' ') && !text.ends_with(' ') &&
-                  !text.ends_with('\r'),
-              "a header is one line, trimmed", text);
+      require(text.find('\n') == std::string::npos && !text.ends_with('\r'), "a header is one line", text);
     }
     require(headers.value(element.name) == element.value, "a name stands once", element.name);
   }

@@ -41,8 +41,8 @@ void checkValues(const std::string& value, const std::string& name) {
   const auto ready = preparedOrRefused(request);
   require(ready.has_value() != (value == "." || value == ".."), "a value is refused only when it climbs", value);
   if (!ready) return;
-  require(ready->transfer.url == "https://api.example:8443/main/api/posts/" + encoded + "/x?" + percentEncoded(name) +
-                                     "=" + encoded,
+  require(ready->transfer.url ==
+              "https://api.example:8443/main/api/posts/" + encoded + "/x?" + percentEncoded(name) + "=" + encoded,
           "values stay in their places", ready->transfer.url);
   const auto sent = checkedURL(*ready);
   require(sent && Fuzzing::percentDecoded(sent->path) == "/main/api/posts/" + value + "/x", "the path is not bent",
