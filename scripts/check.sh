@@ -3,9 +3,9 @@
 # the public headers. One line a step; the last line is "N passed, N failed".
 #   scripts/check.sh            every step
 #   scripts/check.sh STEP ...   these, of:
-steps=(asan clang tsan format tidy words headers header-cost header-includes macros fuzz)
+steps=(asan clang tsan format tidy words layers headers header-cost header-includes macros fuzz)
 set -u
-cd "$(dirname "$0")/.."
+cd "$(dirname "$0")/.." || exit
 
 case "${1:-}" in -h | --help) sed -n '2,5s/^# \{0,1\}//p' "$0" && echo "  ${steps[*]}" && exit 0 ;; esac
 [ $# -eq 0 ] || steps=("$@")
@@ -37,9 +37,32 @@ words() {
   return $found
 }
 
+# Which modules may include which, as docs/architecture.md draws it. The composition root alone looks upwards.
+layers() {
+  git grep -nE '#include [<"](zvapikit/)?[a-z]+/[A-Z]' -- 'include/zvapikit/*' 'src/*' ':!src/core/MobileApiClient.cpp' |
+    awk -F'[:/<"]' '
+      BEGIN {
+        allowed["http"] = " json "
+        allowed["keychain"] = " platform "
+        allowed["core"] = " http json keychain platform "
+        allowed["model"] = allowed["core"] "core "
+        allowed["auth"] = allowed["core"] "core "
+        allowed["domains"] = allowed["model"] "model "
+      }
+      {
+        from = $1 == "include" ? $3 : $2
+        match($0, /#include [<"]/)
+        to = substr($0, RSTART + RLENGTH)
+        sub(/^zvapikit\//, "", to)
+        sub(/\/.*/, "", to)
+        if (to != from && index(allowed[from], " " to " ") == 0) { print from " includes " to ": " $0; found = 1 }
+      }
+      END { exit found }'
+}
+
 public_headers() { git ls-files -- 'include/*.hpp' 'emulator/include/*.hpp'; }
 public_includes=(-Iinclude -Iemulator/include)
-name_of() { sed 's|^.*include/||' <<<"$1"; }
+name_of() { echo "${1##*include/}"; }
 
 # Compiles each public header alone, once a run: prints what fails, and leaves CPU seconds and files included behind.
 compiled=""

@@ -62,6 +62,28 @@ Words expected(const JSONType& type, JSONDateStrategy dates) {
   }
 }
 
+/// Compares keys of a few bytes without a call, which is what most of the work on an object's fields would else be.
+bool equal(std::string_view left, std::string_view right) noexcept {
+  if (left.size() != right.size()) return false;
+  const std::size_t size = left.size();
+  const auto differ = [&]<class Word>(Word, std::size_t position) {
+    Word a, b;
+    std::memcpy(&a, left.data() + position, sizeof a);
+    std::memcpy(&b, right.data() + position, sizeof b);
+    return a != b;
+  };
+  // The last word overlaps the one before it where the size is no multiple.
+  if (size >= 8) {
+    for (std::size_t i = 0; i + 8 < size; i += 8) {
+      if (differ(std::uint64_t{}, i)) return false;
+    }
+    return !differ(std::uint64_t{}, size - 8);
+  }
+  if (size >= 4) return !differ(std::uint32_t{}, 0) && !differ(std::uint32_t{}, size - 4);
+  return size == 0 ||
+         (left.front() == right.front() && left[size / 2] == right[size / 2] && left.back() == right.back());
+}
+
 template <class Integer>
 bool store(std::int64_t number, void* value) noexcept {
   const auto narrowed = static_cast<Integer>(number);
@@ -237,7 +259,7 @@ bool JSONReader::readAsTheyArrive(const JSONType& type, simdjson::dom::object ob
     std::size_t tried = 0;
     for (; tried < count; ++tried, ++i) {
       if (i == count) i = 0;
-      if (fields[i].key == key) break;
+      if (equal(fields[i].key, key)) break;
     }
     if (tried == count) continue;
     guess = i + 1;

@@ -34,6 +34,7 @@ void checkRecord(const nlohmann::json& sample, const std::set<std::string>& requ
   EXPECT_EQ(roundTrip(sample), sample);
   const T value = JSONDecoder().decode<T>(sample.dump());
   EXPECT_EQ(JSONDecoder().decode<T>(JSONEncoder().encode(value)), value);
+  EXPECT_FALSE(value == T()) << "the sample must differ from an empty record";
   for (const std::string& key : required) EXPECT_TRUE(sample.contains(key)) << key;
 
   for (const auto& [key, content] : sample.items()) {
@@ -45,11 +46,17 @@ void checkRecord(const nlohmann::json& sample, const std::set<std::string>& requ
     nlohmann::json wrong = sample;
     wrong[key] = content.is_string() ? nlohmann::json(5) : nlohmann::json("text");
 
-    EXPECT_FALSE(JSONDecoder().decode<T>(sample.dump()) == T()) << "the sample must differ from an empty record";
     if (required.contains(key)) {
       const DecodingError lost = decodingError<T>(missing.dump());
       EXPECT_EQ(lost.kind(), DecodingError::Kind::keyNotFound);
       EXPECT_EQ(lost.key(), key);
+      for (std::size_t i = 0; i < key.size(); ++i) {
+        nlohmann::json misspelt = missing;
+        std::string other = key;
+        other[i] = '#';
+        misspelt[other] = content;
+        EXPECT_EQ(decodingError<T>(misspelt.dump()).key(), key) << other;
+      }
       const DecodingError voided = decodingError<T>(null.dump());
       EXPECT_EQ(voided.kind(), DecodingError::Kind::valueNotFound);
       EXPECT_EQ(voided.codingPath(), std::vector<CodingKey>{key});

@@ -52,6 +52,9 @@ struct AddQuibletDto {
 
 /// Body that reacts to a post with a selfie just taken.
 struct AddInstantQuibletDto {
+  AddInstantQuibletDto() = default;
+  explicit AddInstantQuibletDto(MediaBucketDto media_) : media(std::move(media_)) {}
+
   MediaBucketDto media;  ///< the uploaded selfie
 
   bool operator==(const AddInstantQuibletDto&) const = default;
