@@ -3,7 +3,7 @@
 # the public headers. One line a step; the last line is "N passed, N failed".
 #   scripts/check.sh            every step
 #   scripts/check.sh STEP ...   these, of:
-steps=(asan clang tsan format tidy words layers headers header-cost header-includes macros)
+steps=(asan clang tsan format tidy words layers headers header-cost header-includes macros fuzz)
 set -u
 cd "$(dirname "$0")/.." || exit
 
@@ -128,6 +128,21 @@ macros() {
     for header in $(public_headers); do echo "#include <$(name_of "$header")>"; done
   } >"$out/macros.cpp"
   g++ -std=c++20 -fsyntax-only -Wall -Wextra -Werror "${public_includes[@]}" "$out/macros.cpp"
+}
+
+# Each fuzzer for a while, from its corpus and from what earlier runs here have learnt.
+fuzz() {
+  cmake --preset fuzz && cmake --build --preset fuzz -j $jobs || return
+  local folder name failed=0
+  mkdir -p build/fuzz/findings
+  for folder in tests/fuzz/corpus/*; do
+    name=${folder##*/}
+    mkdir -p "build/fuzz/learnt/$name"
+    ASAN_SYMBOLIZER_PATH=$(command -v llvm-symbolizer) "build/fuzz/tests/fuzz/fuzz_$name" -max_total_time=15 \
+      -max_len=4096 -timeout=10 -rss_limit_mb=2048 -verbosity=0 -print_final_stats=0 \
+      -artifact_prefix="build/fuzz/findings/$name-" "build/fuzz/learnt/$name" "$folder" || failed=1
+  done
+  return $failed
 }
 
 passed=0

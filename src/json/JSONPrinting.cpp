@@ -42,7 +42,13 @@ std::string prettyPrinted(std::string_view body, JSONPrinting printing) {
     if (printing == JSONPrinting::redacted) redact(tree);
     return tree.dump(2);
   } catch (const nlohmann::json::exception& error) {
-    return printing == JSONPrinting::redacted ? std::string(invalid) : error.what();
+    if (printing == JSONPrinting::redacted) return std::string(invalid);
+    std::string text = error.what();
+    // The parser may have stopped in the middle of a character.
+    if (!simdjson::validate_utf8(text))
+      std::replace_if(
+          text.begin(), text.end(), [](char c) { return c < 0; }, '?');
+    return text;
   }
 }
 

@@ -205,7 +205,8 @@ bool JSONReader::readRawValue(const JSONType& type, element value, void* out) {
   if (match == end && type.lastByDefault) --match;
   if (match == end) {
     return failCorrupted([&] {
-      constexpr std::size_t quoted = 64;
+      std::size_t quoted = std::min<std::size_t>(text.size(), 64);
+      while (quoted < text.size() && (text[quoted] & 0xC0) == 0x80) --quoted;  // not in the middle of a character
       return "Cannot initialize " + std::string(type.name) + " from invalid String value " +
              std::string(text.substr(0, quoted));
     });

@@ -92,6 +92,8 @@ bool isPlainHTTPS(std::string_view text) noexcept {
   constexpr std::string_view prefix = "https://";
   if (!text.starts_with(prefix)) return false;
   std::size_t i = prefix.size();
+  // What begins like an address is left to the parser: it takes 1.2.3.4 for the host of https://1.2.3.4x/.
+  if (i < text.size() && text[i] >= '0' && text[i] <= '9') return false;
   while (i < text.size() && isA(inHost, text[i])) ++i;
   if (i == prefix.size() || i == text.size() || text[i] != '/') return false;
   while (i < text.size() && (isA(inPath, text[i]) || isEscape(text, i))) ++i;
@@ -102,6 +104,9 @@ bool isPlainHTTPS(std::string_view text) noexcept {
 }
 
 bool isValid(std::string_view text) {
+  // A scheme and an empty query or fragment mean nothing, and the parser's debug build ends the process over them.
+  const std::size_t start = pathStart(text);
+  if (start > 0 && start + 1 == text.size() && (text[start] == '?' || text[start] == '#')) return false;
   const auto parsed = urls::parse_uri_reference({text.data(), text.size()});
   if (!parsed) return false;
   // The parser ends an authority at the first character that does not fit, and takes the rest for the path.
