@@ -168,4 +168,8 @@ std::string_view URL::withoutQuery() const noexcept {
   return std::string_view(text_).substr(0, text_.find_first_of("?#"));
 }
 
+bool URL::hasSameOrigin(const URL& other) const {
+  return scheme() == other.scheme() && host() == other.host() && port() == other.port();
+}
+
 }  // namespace ZAK
