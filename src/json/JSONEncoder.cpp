@@ -134,7 +134,12 @@ void JSONOutput::writeEscaped(std::string_view text) {
 
 void JSONOutput::writeNumber(double number) {
   if (!std::isfinite(number)) fail("The number is not finite.");
-  append(text_, number);
+  // Sizes in pixels are mostly whole. Below this their text is the same either way.
+  if (number >= 1 && number < 100'000 && std::trunc(number) == number) {
+    append(text_, static_cast<std::int64_t>(number));
+  } else {
+    append(text_, number);
+  }
 }
 
 void JSONOutput::writeRawValue(const JSONType& type, const void* value) {
