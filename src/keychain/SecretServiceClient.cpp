@@ -79,10 +79,11 @@ class ErrorSlot {
   GError* error_ = nullptr;
 };
 
-// `SecretService` is derived from for two reasons. It leaves prompts to three functions that a derived class may
-// replace: ours tell the call about them. They pass no cancellable on. Cancelling a prompt asks the service to take it
-// away and waits for its word, and a user who is typing the password should not lose the window. The other reason is
-// the connection.
+// `SecretService` is derived from for its prompts, which it leaves to three functions that a derived class may replace,
+// and for its connection. Ours tell the call when the user is being asked. They pass no cancellable on: cancelling a
+// prompt asks the service to take it away and waits for its word, and a user who is typing the password should not lose
+// the window. They always wait, the thread being there for nothing else. And a prompt that ends without a result is an
+// error: the callers of the originals (0.20.5) crash or never come back then.
 
 constexpr const char* callProperty = "zvapikit-call";
 
@@ -90,32 +91,42 @@ SecretServiceCall& callOf(SecretService* service) {
   return *static_cast<SecretServiceCall*>(g_object_get_data(G_OBJECT(service), callProperty));
 }
 
-SecretServiceClass* original() { return static_cast<SecretServiceClass*>(g_type_class_peek(SECRET_TYPE_SERVICE)); }
-
 GVariant* promptSync(SecretService* service, SecretPrompt* prompt, GCancellable*, const GVariantType* type,
                      GError** error) {
-  callOf(service).promptBegins();
-  GVariant* result = original()->prompt_sync(service, prompt, nullptr, type, error);
-  callOf(service).promptEnds(result != nullptr);
+  SecretServiceCall& call = callOf(service);
+  call.promptBegins();
+  GError* failure = nullptr;
+  GVariant* result = secret_prompt_perform_sync(prompt, nullptr, nullptr, type, &failure);
+  const bool nothing = result == nullptr || (g_variant_is_container(result) && g_variant_n_children(result) == 0);
+  call.promptEnds(!nothing);
+  if (failure != nullptr) {
+    g_propagate_error(error, failure);
+  } else if (result == nullptr) {
+    g_set_error_literal(error, SECRET_ERROR, SECRET_ERROR_IS_LOCKED, "dismissed");
+  }
   return result;
 }
 
-void promptAsync(SecretService* service, SecretPrompt* prompt, const GVariantType* type, GCancellable*,
+void promptAsync(SecretService* service, SecretPrompt* prompt, const GVariantType* type, GCancellable* cancellable,
                  GAsyncReadyCallback callback, gpointer data) {
-  callOf(service).promptBegins();
-  original()->prompt_async(service, prompt, type, nullptr, callback, data);
+  const GObjectPointer<GTask> task(g_task_new(service, nullptr, callback, data));
+  GError* error = nullptr;
+  GVariant* result = promptSync(service, prompt, cancellable, type, &error);
+  if (error != nullptr) {
+    g_task_return_error(task.get(), error);
+  } else {
+    g_task_return_pointer(task.get(), result, [](gpointer value) { g_variant_unref(static_cast<GVariant*>(value)); });
+  }
 }
 
-GVariant* promptFinish(SecretService* service, GAsyncResult* asyncResult, GError** error) {
-  GVariant* result = original()->prompt_finish(service, asyncResult, error);
-  callOf(service).promptEnds(result != nullptr);
-  return result;
+GVariant* promptFinish(SecretService*, GAsyncResult* task, GError** error) {
+  return static_cast<GVariant*>(g_task_propagate_pointer(G_TASK(task), error));
 }
 
-/// The original sets up a service on the connection that all of the process share; only during construction can it be
-/// told to take the one it was given.
+/// The original takes the connection that all of the process share; only during construction can it be told to take the
+/// one it was given.
 GObject* construct(GType type, guint count, GObjectConstructParam* parameters) {
-  GObject* object = G_OBJECT_CLASS(original())->constructor(type, count, parameters);
+  GObject* object = G_OBJECT_CLASS(g_type_class_peek(SECRET_TYPE_SERVICE))->constructor(type, count, parameters);
   g_object_set(object, "g-bus-type", G_BUS_TYPE_NONE, "g-flags",
                G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES | G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS, nullptr);
   return object;

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <thread>
 #include <vector>
 
@@ -192,7 +193,7 @@ TEST_F(SecretServiceTest, aSilentServiceCostsOnePauseAMinute) {
 /// A service that asks, and a keychain that waits for 300 ms.
 class PromptTest : public testing::Test {
  protected:
-  UnhelpfulService service_{UnhelpfulService::Behaviour::asks};
+  std::unique_ptr<UnhelpfulService> service_ = std::make_unique<UnhelpfulService>(UnhelpfulService::Behaviour::asks);
   Clock::time_point now_;
   SecretServiceKeychain keychain_{settings, {.call = 300ms, .now = [this] { return now_; }}};
 
@@ -215,21 +216,56 @@ TEST_F(PromptTest, anUnansweredPromptIsAskedOnceAndItsAnswerCounts) {
   for (const auto& operation : operations) {
     EXPECT_LT(timeOf([&] { expectUnanswered(operation.second); }), 200ms) << operation.first;
   }
-  EXPECT_EQ(service_.calls("Prompt"), 1U) << "a prompt on the screen is enough";
-  EXPECT_EQ(service_.calls("Dismiss"), 0U) << "the user may be typing";
+  EXPECT_EQ(service_->calls("Prompt"), 1U) << "a prompt on the screen is enough";
+  EXPECT_EQ(service_->calls("Dismiss"), 0U) << "the user may be typing";
 
-  service_.answerPrompt();
+  service_->endPrompt();
   untilDone(operations[2].second);
-  EXPECT_EQ(service_.calls("Delete"), 1U);
+  EXPECT_EQ(service_->calls("Delete"), 1U);
 }
 
 TEST_F(PromptTest, whatWasGivenUpIsNotDoneOnceThePromptIsAnswered) {
   expectUnanswered(operations[1].second);
   expectUnanswered(operations[2].second);
-  const auto tried = service_.calls("CreateItem");
-  service_.answerPrompt();
+  const auto tried = service_->calls("CreateItem");
+  service_->endPrompt();
   untilDone([](Keychain& keychain) { keychain.remove("key"); });
-  EXPECT_EQ(service_.calls("CreateItem"), tried) << "the write was told to have failed";
+  EXPECT_EQ(service_->calls("CreateItem"), tried) << "the write was told to have failed";
+}
+
+TEST_F(PromptTest, aPromptThatEndsWithoutAnAnswerFailsAtOnce) {
+  const std::pair<const char*, std::function<void()>> ends[] = {
+      {"dismissed", [this] { service_->endPrompt(true); }},
+      {"gone with its service", [this] { service_.reset(); }},
+  };
+  for (const auto& [how, end] : ends) {
+    for (const auto& operation : operations) {
+      SCOPED_TRACE(std::string(how) + ", " + operation.first);
+      service_ = std::make_unique<UnhelpfulService>(UnhelpfulService::Behaviour::asks);
+      SecretServiceKeychain keychain(settings);
+      std::thread user([this, &finish = end] {
+        while (service_->calls("Prompt") == 0) std::this_thread::sleep_for(1ms);
+        finish();
+      });
+      const auto time = timeOf(
+          [&] { EXPECT_EQ(failureOf([&] { operation.second(keychain); }), KeychainStatus::interactionNotAllowed); });
+      user.join();
+      EXPECT_LT(time, 2s);
+    }
+  }
+}
+
+TEST_F(PromptTest, aPromptDismissedTooLateIsNotShownAgainForAMinute) {
+  expectUnanswered(operations[0].second);
+  service_->endPrompt(true);
+  for (int i = 0; i < 20; ++i) {
+    expectUnanswered(operations[0].second);
+    std::this_thread::sleep_for(5ms);
+  }
+  EXPECT_EQ(service_->calls("Prompt"), 1U);
+  now_ += 1min;
+  expectUnanswered(operations[0].second);
+  EXPECT_EQ(service_->calls("Prompt"), 2U);
 }
 
 TEST_F(PromptTest, nobodyWaitsForTheCallLeftBehind) {
@@ -243,7 +279,7 @@ TEST_F(PromptTest, nobodyWaitsForTheCallLeftBehind) {
   auto keychain = std::make_unique<SecretServiceKeychain>(settings, SecretServiceLimits{.call = 100ms});
   EXPECT_EQ(failureOf([&] { keychain->set("x", "key"); }), KeychainStatus::interactionNotAllowed);
   EXPECT_LT(timeOf([&] { keychain.reset(); }), 100ms);
-  service_.answerPrompt();  // the thread ends without its keychain
+  service_->endPrompt();  // the thread ends without its keychain
 }
 
 TEST_F(SecretServiceTest, whereItemsAreStaysWhereTheyWerePutFirst) {

@@ -104,12 +104,13 @@ UnhelpfulService::~UnhelpfulService() {
   g_dbus_connection_close_sync(bus_.get(), nullptr, nullptr);
 }
 
-void UnhelpfulService::answerPrompt() {
-  unlocked_ = true;
+void UnhelpfulService::endPrompt(bool dismissed) {
+  unlocked_ = !dismissed;
   const char* items[] = {itemPath};
   GError* error = nullptr;
-  g_dbus_connection_emit_signal(bus_.get(), nullptr, promptPath, "org.freedesktop.Secret.Prompt", "Completed",
-                                g_variant_new("(bv)", FALSE, g_variant_new_objv(items, 1)), &error);
+  g_dbus_connection_emit_signal(
+      bus_.get(), nullptr, promptPath, "org.freedesktop.Secret.Prompt", "Completed",
+      g_variant_new("(bv)", static_cast<gboolean>(dismissed), g_variant_new_objv(items, dismissed ? 0 : 1)), &error);
   check(error);
 }
 

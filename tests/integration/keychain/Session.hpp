@@ -41,7 +41,7 @@ class UnhelpfulService {
  public:
   enum class Behaviour {
     silent,  ///< answers nothing
-    asks,    ///< holds one locked item and asks the user to unlock it, who answers with `answerPrompt`
+    asks,    ///< holds one locked item and asks the user to unlock it, who answers with `endPrompt`
   };
 
   explicit UnhelpfulService(Behaviour behaviour);
@@ -49,7 +49,7 @@ class UnhelpfulService {
   UnhelpfulService& operator=(const UnhelpfulService&) = delete;
   ~UnhelpfulService();
 
-  void answerPrompt();
+  void endPrompt(bool dismissed = false);
   /// How often a method was called.
   [[nodiscard]] std::size_t calls(const std::string& method) const;
 
