@@ -1,20 +1,14 @@
 #include "http/CurlEngine.hpp"
 
-#include <boost/asio/associated_cancellation_slot.hpp>
-#include <boost/asio/associated_executor.hpp>
-#include <boost/asio/async_result.hpp>
+#include <boost/asio/cancellation_signal.hpp>
 #include <boost/asio/dispatch.hpp>
 #include <boost/asio/error.hpp>
-#include <boost/asio/execution/outstanding_work.hpp>
 #include <boost/asio/post.hpp>
-#include <boost/asio/prefer.hpp>
-#include <boost/asio/use_awaitable.hpp>
 #include <boost/system/system_error.hpp>
 
 #include <algorithm>
 #include <new>
 #include <sys/socket.h>
-#include <unistd.h>
 #include <utility>
 
 namespace ZAK {
@@ -33,39 +27,6 @@ void initialiseLibrary() {
 
 }  // namespace
 
-class CurlEngine::Waiter {
- public:
-  virtual ~Waiter() = default;
-  /// Posts the resumption; at most once.
-  virtual void resume(boost::system::error_code error) = 0;
-};
-
-template <class Handler>
-class CurlEngine::HandlerWaiter final : public Waiter {
- public:
-  HandlerWaiter(Handler handler, const ContextStrand::Executor& fallback)
-      : handler_(std::move(handler)),
-        executor_(boost::asio::prefer(boost::asio::get_associated_executor(handler_, fallback),
-                                      boost::asio::execution::outstanding_work.tracked)) {}
-
-  void resume(boost::system::error_code error) override {
-    boost::asio::post(executor_, [handler = std::move(handler_), error]() mutable {
-      // Here and not before: emitting a cancellation is the business of the caller's executor too.
-      boost::asio::get_associated_cancellation_slot(handler).clear();
-      std::move(handler)(error);
-    });
-  }
-
- private:
-  using Associated = boost::asio::associated_executor_t<Handler, ContextStrand::Executor>;
-  using Executor = std::decay_t<decltype(boost::asio::prefer(std::declval<Associated>(),
-                                                             boost::asio::execution::outstanding_work.tracked))>;
-
-  Handler handler_;
-  /// Keeps the caller's context running.
-  Executor executor_;
-};
-
 std::shared_ptr<CurlEngine> CurlEngine::create(const boost::asio::any_io_executor& executor, TransportOptions options) {
   initialiseLibrary();
   auto engine = std::make_shared<CurlEngine>(Private(), ContextStrand::create(executor), std::move(options));
@@ -82,11 +43,7 @@ CurlEngine::~CurlEngine() { close(); }
 void CurlEngine::contextShutdown() noexcept { close(); }
 
 void CurlEngine::open() {
-  io_.emplace(strand_->executor(), weak_from_this(), [this](curl_socket_t number, int what) {
-    int running = 0;
-    curl_multi_socket_action(multi_, number, what, &running);
-    pump();
-  });
+  io_.emplace(strand_->executor(), weak_from_this(), [this](std::span<const epoll_event> events) { act(events); });
   multi_ = curl_multi_init();
   if (multi_ == nullptr) throw std::bad_alloc();
   const long perHost = std::max(1, settings_.options.connectionsPerHost);
@@ -115,33 +72,31 @@ void CurlEngine::close() noexcept {
   io_.reset();
 }
 
-boost::asio::awaitable<void> CurlEngine::run(std::shared_ptr<CurlTransfer> transfer) {
-  auto initiate = [](auto handler, std::shared_ptr<CurlEngine> engine, std::shared_ptr<CurlTransfer> started) {
-    const auto executor = engine->strand_->executor();
-    if (auto slot = boost::asio::get_associated_cancellation_slot(handler); slot.is_connected()) {
-      // The slot may outlive the context, so it must not hold the strand.
-      slot.assign(
-          [weakEngine = std::weak_ptr(engine), weakTransfer = std::weak_ptr(started)](boost::asio::cancellation_type) {
+boost::asio::awaitable<CurlEngine::Transfer> CurlEngine::run(Transfer transfer) {
+  // The strand is asked for here, since what an initiation throws is lost.
+  return suspend<Transfer>(
+      [executor = strand_->executor(), engine = shared_from_this(), transfer = std::move(transfer)](
+          std::unique_ptr<Waiter<Transfer>> waiter, boost::asio::cancellation_slot slot) {
+        if (slot.is_connected()) {
+          // The slot may outlive the context, so it must not hold the strand.
+          slot.assign([weakEngine = std::weak_ptr(engine),
+                       weakTransfer = std::weak_ptr(transfer)](boost::asio::cancellation_type) {
             const auto target = weakTransfer.lock();
             if (const auto alive = weakEngine.lock(); alive && target) alive->cancelLater(target);
           });
-    }
-    // The waiter joins the transfer only on the strand: were they joined here, a context that ends in between would
-    // leave a ring of references.
-    std::unique_ptr<Waiter> waiter = std::make_unique<HandlerWaiter<decltype(handler)>>(std::move(handler), executor);
-    boost::asio::dispatch(
-        executor, [engine = std::move(engine), started = std::move(started), waiter = std::move(waiter)]() mutable {
-          engine->start(std::move(started), std::move(waiter));
+        }
+        // The waiter joins the transfer only on the strand: were they joined here, a context that ends in between would
+        // leave a ring of references.
+        boost::asio::dispatch(executor, [engine, transfer, waiter = std::move(waiter)]() mutable {
+          engine->start(std::move(transfer), std::move(waiter));
         });
-  };
-  return boost::asio::async_initiate<const boost::asio::use_awaitable_t<>, void(boost::system::error_code)>(
-      std::move(initiate), boost::asio::use_awaitable, shared_from_this(), std::move(transfer));
+      });
 }
 
-void CurlEngine::start(std::shared_ptr<CurlTransfer> transfer, std::unique_ptr<Waiter> waiter) {
+void CurlEngine::start(Transfer transfer, std::unique_ptr<Waiter<Transfer>> waiter) {
   CURL* easy = takeHandle();
   CURLcode code = easy == nullptr ? CURLE_OUT_OF_MEMORY : transfer->begin(easy, settings_);
-  if (code == CURLE_OK) code = setCallbacks(easy);
+  if (code == CURLE_OK) code = curl_easy_setopt(easy, CURLOPT_OPENSOCKETFUNCTION, &CurlEngine::onOpen);
   if (code == CURLE_OK && curl_multi_add_handle(multi_, easy) != CURLM_OK) code = CURLE_FAILED_INIT;
   Running running{std::move(transfer), std::move(waiter)};
   if (code != CURLE_OK) {
@@ -152,7 +107,7 @@ void CurlEngine::start(std::shared_ptr<CurlTransfer> transfer, std::unique_ptr<W
   pumpSoon();
 }
 
-void CurlEngine::cancelLater(const std::shared_ptr<CurlTransfer>& transfer) {
+void CurlEngine::cancelLater(const Transfer& transfer) {
   try {
     boost::asio::post(strand_->executor(), [weakEngine = weak_from_this(), weakTransfer = std::weak_ptr(transfer)] {
       const auto target = weakTransfer.lock();
@@ -163,7 +118,7 @@ void CurlEngine::cancelLater(const std::shared_ptr<CurlTransfer>& transfer) {
   }
 }
 
-void CurlEngine::cancel(const std::shared_ptr<CurlTransfer>& transfer) {
+void CurlEngine::cancel(const Transfer& transfer) {
   const auto node = running_.extract(transfer->easy());
   if (!node) return;
   curl_multi_remove_handle(multi_, node.key());
@@ -175,7 +130,7 @@ void CurlEngine::finish(const Running& running, CURLcode code, boost::system::er
   CURL* easy = running.transfer->easy();
   running.transfer->end(code);
   giveBack(easy);
-  running.waiter->resume(error);
+  running.waiter->resume(error, running.transfer);
 }
 
 void CurlEngine::pumpSoon() {
@@ -199,7 +154,23 @@ void CurlEngine::pump() {
   }
   reap();
   setTimer();
-  if (running_.empty()) io_->sockets.pause();
+  if (running_.empty()) {
+    io_->sockets.pause();
+  } else {
+    io_->sockets.wait();
+  }
+}
+
+void CurlEngine::act(std::span<const epoll_event> events) {
+  for (const auto& event : events) {
+    int what = 0;
+    if ((event.events & EPOLLIN) != 0) what |= CURL_CSELECT_IN;
+    if ((event.events & EPOLLOUT) != 0) what |= CURL_CSELECT_OUT;
+    if ((event.events & (EPOLLERR | EPOLLHUP)) != 0) what |= CURL_CSELECT_ERR;
+    int running = 0;
+    curl_multi_socket_action(multi_, event.data.fd, what, &running);
+  }
+  pump();
 }
 
 void CurlEngine::reap() {
@@ -250,18 +221,12 @@ void CurlEngine::giveBack(CURL* easy) {
   idle_.push_back(easy);
 }
 
-CURLcode CurlEngine::setCallbacks(CURL* easy) {
-  CURLcode code = curl_easy_setopt(easy, CURLOPT_OPENSOCKETFUNCTION, &CurlEngine::onOpen);
-  if (code == CURLE_OK) code = curl_easy_setopt(easy, CURLOPT_OPENSOCKETDATA, this);
-  if (code == CURLE_OK) code = curl_easy_setopt(easy, CURLOPT_CLOSESOCKETFUNCTION, &CurlEngine::onClose);
-  if (code == CURLE_OK) code = curl_easy_setopt(easy, CURLOPT_CLOSESOCKETDATA, this);
-  return code;
-}
+// libcurl must not be driven on from its callbacks: they only take notes.
 
-// libcurl must not be called from its callbacks: they only take notes.
-
-int CurlEngine::onSocket(CURL*, curl_socket_t number, int what, void* engine, void*) noexcept {
-  return static_cast<CurlEngine*>(engine)->io_->sockets.watch(number, what) ? 0 : -1;
+int CurlEngine::onSocket(CURL*, curl_socket_t number, int what, void* engine, void* known) noexcept {
+  auto& self = *static_cast<CurlEngine*>(engine);
+  if (known == nullptr) curl_multi_assign(self.multi_, number, &self);
+  return self.io_->sockets.watch(number, what, known != nullptr) ? 0 : -1;
 }
 
 int CurlEngine::onTimer(CURLM*, long milliseconds, void* engine) noexcept {
@@ -274,17 +239,8 @@ int CurlEngine::onTimer(CURLM*, long milliseconds, void* engine) noexcept {
   return 0;
 }
 
-curl_socket_t CurlEngine::onOpen(void* engine, curlsocktype, curl_sockaddr* address) noexcept {
-  const int number = ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
-  if (number < 0) return CURL_SOCKET_BAD;
-  if (static_cast<CurlEngine*>(engine)->io_->sockets.opened(number)) return number;
-  ::close(number);
-  return CURL_SOCKET_BAD;
-}
-
-int CurlEngine::onClose(void* engine, curl_socket_t number) noexcept {
-  static_cast<CurlEngine*>(engine)->io_->sockets.closing(number);
-  return ::close(number);
+curl_socket_t CurlEngine::onOpen(void*, curlsocktype, curl_sockaddr* address) noexcept {
+  return ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
 }
 
 }  // namespace ZAK

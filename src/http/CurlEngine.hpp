@@ -5,6 +5,7 @@
 #include "http/CurlSettings.hpp"
 #include "http/CurlSockets.hpp"
 #include "http/CurlTransfer.hpp"
+#include "http/Waiter.hpp"
 
 #include <boost/asio/any_io_executor.hpp>
 #include <boost/asio/awaitable.hpp>
@@ -15,6 +16,7 @@
 #include <chrono>
 #include <memory>
 #include <optional>
+#include <span>
 #include <unordered_map>
 #include <vector>
 
@@ -30,14 +32,16 @@ class CurlEngine final : public ContextBound, public std::enable_shared_from_thi
   };
 
  public:
+  using Transfer = std::shared_ptr<CurlTransfer>;
+
   /// \throws std::invalid_argument when the executor is empty.
   static std::shared_ptr<CurlEngine> create(const boost::asio::any_io_executor& executor, TransportOptions options);
   CurlEngine(Private, std::shared_ptr<ContextStrand> strand, TransportOptions options);
   ~CurlEngine() override;
 
-  /// Carries out the transfer and resumes on the caller's executor. A cancellation that reaches the caller's coroutine
-  /// ends the transfer at once with `operation_aborted`, which is all that this throws.
-  boost::asio::awaitable<void> run(std::shared_ptr<CurlTransfer> transfer);
+  /// Carries out the transfer and yields it, complete, on the caller's executor. A cancellation that reaches the
+  /// caller's coroutine ends the transfer at once with `operation_aborted`, which is all that this throws.
+  boost::asio::awaitable<Transfer> run(Transfer transfer);
 
   void contextShutdown() noexcept override;
 
@@ -52,36 +56,31 @@ class CurlEngine final : public ContextBound, public std::enable_shared_from_thi
     Timer timer;
     CurlSockets sockets;
   };
-  /// A suspended caller.
-  class Waiter;
-  template <class Handler>
-  class HandlerWaiter;
   struct Running {
-    std::shared_ptr<CurlTransfer> transfer;
-    std::unique_ptr<Waiter> waiter;
+    Transfer transfer;
+    std::unique_ptr<Waiter<Transfer>> waiter;
   };
 
   void open();
   void close() noexcept;
 
-  void start(std::shared_ptr<CurlTransfer> transfer, std::unique_ptr<Waiter> waiter);
-  void cancel(const std::shared_ptr<CurlTransfer>& transfer);
-  void cancelLater(const std::shared_ptr<CurlTransfer>& transfer);
+  void start(Transfer transfer, std::unique_ptr<Waiter<Transfer>> waiter);
+  void cancel(const Transfer& transfer);
+  void cancelLater(const Transfer& transfer);
   void finish(const Running& running, CURLcode code, boost::system::error_code error);
 
   void pumpSoon();
   void pump();
+  void act(std::span<const epoll_event> events);
   void reap();
   void setTimer();
 
   CURL* takeHandle();
   void giveBack(CURL* easy);
-  CURLcode setCallbacks(CURL* easy);
 
-  static int onSocket(CURL* easy, curl_socket_t number, int what, void* engine, void* unused) noexcept;
+  static int onSocket(CURL* easy, curl_socket_t number, int what, void* engine, void* known) noexcept;
   static int onTimer(CURLM* multi, long milliseconds, void* engine) noexcept;
-  static curl_socket_t onOpen(void* engine, curlsocktype purpose, curl_sockaddr* address) noexcept;
-  static int onClose(void* engine, curl_socket_t number) noexcept;
+  static curl_socket_t onOpen(void* unused, curlsocktype purpose, curl_sockaddr* address) noexcept;
 
   std::shared_ptr<ContextStrand> strand_;
   CurlSettings settings_;

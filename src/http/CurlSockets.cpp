@@ -1,96 +1,53 @@
 #include "http/CurlSockets.hpp"
 
-#include <boost/asio/error.hpp>
-
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <system_error>
 #include <utility>
 
 namespace ZAK {
+namespace {
 
-struct CurlSockets::Socket {
-  Socket(const ContextStrand::Executor& executor, curl_socket_t number_) : descriptor(executor), number(number_) {}
-
-  boost::asio::posix::basic_stream_descriptor<ContextStrand::Executor> descriptor;
-  curl_socket_t number;
-  /// What libcurl wants and what is being waited for, in CURL_POLL_ bits. A wait that is no longer wanted is left
-  /// alone: most often it is wanted again soon.
-  int wanted = 0;
-  int pending = 0;
-  bool announced = false;
-  bool gone = false;
-};
-
-CurlSockets::CurlSockets(ContextStrand::Executor executor, std::weak_ptr<void> owner, Ready ready)
-    : executor_(std::move(executor)), owner_(std::move(owner)), ready_(std::move(ready)) {}
-
-CurlSockets::~CurlSockets() {
-  while (!sockets_.empty()) closing(sockets_.begin()->first);
+int createSet() {
+  const int number = ::epoll_create1(EPOLL_CLOEXEC);
+  if (number < 0) throw std::system_error(errno, std::generic_category(), "epoll_create1");
+  return number;
 }
 
-std::shared_ptr<CurlSockets::Socket> CurlSockets::add(curl_socket_t number) {
-  auto socket = std::make_shared<Socket>(executor_, number);
-  boost::system::error_code error;
-  socket->descriptor.assign(number, error);
-  if (error) return nullptr;
-  sockets_[number] = socket;
-  return socket;
-}
+}  // namespace
 
-bool CurlSockets::opened(curl_socket_t number) {
-  const auto socket = add(number);
-  if (socket) socket->announced = true;
-  return socket != nullptr;
-}
+CurlSockets::CurlSockets(const ContextStrand::Executor& executor, std::weak_ptr<void> owner, Ready ready)
+    : set_(executor, createSet()), owner_(std::move(owner)), ready_(std::move(ready)) {}
 
-void CurlSockets::closing(curl_socket_t number) {
-  const auto node = sockets_.extract(number);
-  if (!node) return;
-  auto& socket = *node.mapped();
-  socket.gone = true;
-  socket.descriptor.release();
-}
-
-bool CurlSockets::watch(curl_socket_t number, int what) {
-  const auto found = sockets_.find(number);
-  auto socket = found == sockets_.end() ? nullptr : found->second;
+bool CurlSockets::watch(curl_socket_t number, int what, bool known) {
+  epoll_event event{};
+  event.data.fd = number;
+  if ((what & CURL_POLL_IN) != 0) event.events |= EPOLLIN;
+  if ((what & CURL_POLL_OUT) != 0) event.events |= EPOLLOUT;
+  const auto control = [&](int operation) { return ::epoll_ctl(set_.native_handle(), operation, number, &event) == 0; };
   if (what == CURL_POLL_REMOVE) {
-    if (socket && socket->announced) {
-      socket->wanted = 0;
-    } else {
-      closing(number);
-    }
+    control(EPOLL_CTL_DEL);  // Fails for a socket that was closed already.
     return true;
   }
-  if (!socket) socket = add(number);
-  if (!socket) return false;
-  socket->wanted = what & CURL_POLL_INOUT;
-  arm(socket, CURL_POLL_IN);
-  arm(socket, CURL_POLL_OUT);
-  return true;
+  if (control(known ? EPOLL_CTL_MOD : EPOLL_CTL_ADD)) return true;
+  return control(known ? EPOLL_CTL_ADD : EPOLL_CTL_MOD);
+}
+
+void CurlSockets::wait() {
+  if (std::exchange(waiting_, true)) return;
+  set_.async_wait(decltype(set_)::wait_read, [this, owner = owner_](boost::system::error_code error) {
+    const auto alive = owner.lock();
+    if (!alive) return;
+    waiting_ = false;
+    std::array<epoll_event, 64> events;
+    const int count = error ? 0 : ::epoll_wait(set_.native_handle(), events.data(), events.size(), 0);
+    ready_(std::span(events.data(), static_cast<std::size_t>(std::max(count, 0))));
+  });
 }
 
 void CurlSockets::pause() {
-  for (const auto& [number, socket] : sockets_) {
-    if (socket->pending != 0) socket->descriptor.cancel();
-  }
-}
-
-void CurlSockets::arm(const std::shared_ptr<Socket>& socket, int direction) {
-  if ((socket->wanted & direction) == 0 || (socket->pending & direction) != 0) return;
-  socket->pending |= direction;
-  const bool reads = direction == CURL_POLL_IN;
-  using Descriptor = decltype(Socket::descriptor);
-  socket->descriptor.async_wait(
-      reads ? Descriptor::wait_read : Descriptor::wait_write,
-      [this, owner = owner_, socket, direction, reads](boost::system::error_code error) {
-        socket->pending &= ~direction;
-        const auto alive = owner.lock();
-        if (!alive || socket->gone || (socket->wanted & direction) == 0) return;
-        // An ended wait may have been wanted again by now, and is then only started anew.
-        if (error != boost::asio::error::operation_aborted) {
-          ready_(socket->number, error ? CURL_CSELECT_ERR : reads ? CURL_CSELECT_IN : CURL_CSELECT_OUT);
-        }
-        if (!socket->gone) arm(socket, direction);
-      });
+  if (waiting_) set_.cancel();
 }
 
 }  // namespace ZAK

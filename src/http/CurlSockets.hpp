@@ -7,44 +7,39 @@
 
 #include <functional>
 #include <memory>
-#include <unordered_map>
+#include <span>
+#include <sys/epoll.h>
 
 namespace ZAK {
 
-/// The sockets of a multi handle, watched by the execution context's reactor. A socket stays registered from its
-/// opening to its closing; only the waits come and go.
+/// The sockets of a multi handle, in an epoll set that is the one descriptor which the execution context sees.
+///
+/// libcurl closes sockets that never got connected without telling, and their numbers come again at once. A set that
+/// the kernel keeps forgets them by itself; descriptors registered with the context one by one would wait for the dead,
+/// or tear down whoever has the number by then.
 ///
 /// Thread safety: none, it belongs to one strand.
 class CurlSockets {
  public:
-  /// Told, on the strand, of a socket and of what it is ready for, in CURL_CSELECT_ bits.
-  using Ready = std::function<void(curl_socket_t, int)>;
+  /// Told, on the strand, of what has happened; of nothing when a wait was ended by `pause`.
+  using Ready = std::function<void(std::span<const epoll_event>)>;
 
   /// `ready` is called only while `owner` lives, which must hold this object.
-  CurlSockets(ContextStrand::Executor executor, std::weak_ptr<void> owner, Ready ready);
-  ~CurlSockets();
-  CurlSockets(const CurlSockets&) = delete;
-  CurlSockets& operator=(const CurlSockets&) = delete;
+  CurlSockets(const ContextStrand::Executor& executor, std::weak_ptr<void> owner, Ready ready);
 
-  /// Registers a socket that will be told of by `closing`. False when the reactor cannot take it.
-  [[nodiscard]] bool opened(curl_socket_t number);
-  /// Forgets the socket; to be called before it is closed, since its number may then come again.
-  void closing(curl_socket_t number);
-  /// Waits for what libcurl wants, in CURL_POLL_ values. Also takes sockets that were never told of by `opened`: those
-  /// are forgotten as soon as nothing is wanted of them. False when the reactor cannot take the socket.
-  [[nodiscard]] bool watch(curl_socket_t number, int what);
-  /// Ends all waits, so that idle connections do not keep the context running. Wanting something starts them again.
+  /// Changes what libcurl wants to know of a socket, in CURL_POLL_ values; `known` says that it asked before. False
+  /// when the kernel refuses.
+  [[nodiscard]] bool watch(curl_socket_t number, int what, bool known);
+  /// Waits, if it does not already; `ready` ends the wait.
+  void wait();
+  /// Ends the wait, so that idle connections do not keep the context running.
   void pause();
 
  private:
-  struct Socket;
-  std::shared_ptr<Socket> add(curl_socket_t number);
-  void arm(const std::shared_ptr<Socket>& socket, int direction);
-
-  ContextStrand::Executor executor_;
+  boost::asio::posix::basic_stream_descriptor<ContextStrand::Executor> set_;
   std::weak_ptr<void> owner_;
   Ready ready_;
-  std::unordered_map<curl_socket_t, std::shared_ptr<Socket>> sockets_;
+  bool waiting_ = false;
 };
 
 }  // namespace ZAK

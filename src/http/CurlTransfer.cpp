@@ -56,30 +56,39 @@ void CurlTransfer::end(CURLcode code) {
   response.statusCode = head_.statusCode();
   response.headers = head_.takeHeaders();
   collectMetrics();
-  result.answerStarted = head_.started() || response.metrics.firstByte.count() > 0;
+  // A connection that ends within the head is no error to libcurl.
+  if (code == CURLE_OK && !head_.complete()) code = CURLE_PARTIAL_FILE;
   if (code != CURLE_OK) {
-    TransferFailure failure;
-    failure.code = code;
-    failure.statusCode = response.statusCode;
-    failure.systemError = static_cast<int>(info<long>(easy_, CURLINFO_OS_ERRNO));
-    failure.verifyResult = info<long>(easy_, CURLINFO_SSL_VERIFYRESULT);
-    failure.connected = result.answerStarted || info<curl_off_t>(easy_, CURLINFO_PRETRANSFER_TIME_T) > 0;
-    failure.bodyTooLarge = bodyTooLarge_;
-    response.error = transferError(failure);
+    response.error = errorOf(code);
   } else if (const char* target = info<const char*>(easy_, CURLINFO_REDIRECT_URL)) {
     redirectTarget = target;
   }
+  result.answerStarted =
+      head_.started() || (response.error && response.error->kind() == HTTPError::Kind::invalidAnswer);
   easy_ = nullptr;
+}
+
+HTTPError CurlTransfer::errorOf(CURLcode code) const {
+  TransferFailure failure;
+  failure.code = code;
+  failure.statusCode = head_.statusCode();
+  failure.systemError = static_cast<int>(info<long>(easy_, CURLINFO_OS_ERRNO));
+  failure.verifyResult = info<long>(easy_, CURLINFO_SSL_VERIFYRESULT);
+  failure.connected = head_.started() || info<curl_off_t>(easy_, CURLINFO_PRETRANSFER_TIME_T) > 0;
+  failure.bodyTooLarge = bodyTooLarge_;
+  return transferError(failure);
 }
 
 void CurlTransfer::collectMetrics() {
   auto& metrics = result.response.metrics;
-  metrics.firstByte = duration(easy_, CURLINFO_STARTTRANSFER_TIME_T);
   metrics.total = duration(easy_, CURLINFO_TOTAL_TIME_T);
   metrics.bytesSent = byteCount(easy_, CURLINFO_SIZE_UPLOAD_T);
   metrics.bytesReceived = byteCount(easy_, CURLINFO_SIZE_DOWNLOAD_T);
+  if (head_.started()) {
+    metrics.firstByte = duration(easy_, CURLINFO_STARTTRANSFER_TIME_T);
+    metrics.protocol = protocolName(info<long>(easy_, CURLINFO_HTTP_VERSION));
+  }
   metrics.reusedConnection = head_.started() && info<long>(easy_, CURLINFO_NUM_CONNECTS) == 0;
-  if (head_.started()) metrics.protocol = protocolName(info<long>(easy_, CURLINFO_HTTP_VERSION));
   if (metrics.reusedConnection) return;
   metrics.nameLookup = duration(easy_, CURLINFO_NAMELOOKUP_TIME_T);
   metrics.connect = duration(easy_, CURLINFO_CONNECT_TIME_T);

@@ -39,6 +39,7 @@ class CurlTransfer {
   static std::size_t onBody(char* data, std::size_t size, std::size_t count, void* transfer) noexcept;
   bool append(std::string_view bytes);
   void collectMetrics();
+  [[nodiscard]] HTTPError errorOf(CURLcode code) const;
 
   CURL* easy_ = nullptr;
   CurlList lines_;

@@ -29,8 +29,8 @@ boost::asio::awaitable<TransferResult> performOn(std::shared_ptr<CurlEngine> eng
   std::vector<URL> redirects;
   for (;;) {
     const auto earlier = std::chrono::floor<microseconds>(std::chrono::steady_clock::now() - begin);
-    const auto transfer = std::make_shared<CurlTransfer>(std::move(request));
-    co_await engine->run(transfer);
+    auto started = std::make_shared<CurlTransfer>(std::move(request));
+    const auto transfer = co_await engine->run(std::move(started));
     request = std::move(transfer->request);
     auto& response = transfer->result.response;
     const auto step = nextStep(request, response, transfer->redirectTarget, redirects.size());

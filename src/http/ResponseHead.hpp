@@ -17,6 +17,8 @@ class ResponseHead {
 
   /// True once any line has come.
   [[nodiscard]] bool started() const noexcept { return started_; }
+  /// True once the blank line that ends the head of a final answer has come.
+  [[nodiscard]] bool complete() const noexcept { return statusCode_.code() != 0 && !inHead_; }
   /// 0 until the status line of a final answer has come.
   [[nodiscard]] HTTPStatusCode statusCode() const noexcept { return statusCode_; }
   /// Fields that came several times are joined by commas (RFC 9110, 5.3).

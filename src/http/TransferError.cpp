@@ -25,8 +25,11 @@ Verdict connectVerdict(int systemError) {
   }
 }
 
-Verdict certificateVerdict(long verifyResult) {
-  if (verifyResult == X509_V_OK) return {Kind::secureConnectionFailed, "the certificate is not for this host"};
+/// For a handshake that failed on account of the chain, or of something else, told by `otherwise`.
+Verdict handshakeVerdict(long verifyResult, const char* otherwise) {
+  if (verifyResult == X509_V_OK || verifyResult == X509_V_ERR_UNSPECIFIED) {
+    return {Kind::secureConnectionFailed, otherwise};
+  }
   return {Kind::secureConnectionFailed,
           std::string("the certificate is not trusted: ") + X509_verify_cert_error_string(verifyResult)};
 }
@@ -47,7 +50,7 @@ Verdict verdict(const TransferFailure& failure) {
       return {Kind::cannotConnect, "connecting timed out"};
 
     case CURLE_PEER_FAILED_VERIFICATION:
-      return certificateVerdict(failure.verifyResult);
+      return handshakeVerdict(failure.verifyResult, "the certificate is not for this host");
     case CURLE_SSL_CACERT_BADFILE:
       return {Kind::secureConnectionFailed, "the file of trusted authorities is not readable"};
     case CURLE_SSL_CONNECT_ERROR:

@@ -10,10 +10,10 @@ namespace ZAK {
 struct TransferFailure {
   CURLcode code = CURLE_OK;
   /// 0 when no answer came.
-  HTTPStatusCode statusCode;
+  HTTPStatusCode statusCode{};
   /// `errno` of the failed system call, 0 when there was none.
   int systemError = 0;
-  /// OpenSSL's X509_V_ERR_..., 0 when the chain was not what failed.
+  /// OpenSSL's X509_V_ERR_...; X509_V_OK or X509_V_ERR_UNSPECIFIED when the chain was not what failed.
   long verifyResult = 0;
   /// The connection stood, TLS included, and the request was being sent or answered.
   bool connected = false;

@@ -1,0 +1,64 @@
+#include "BlockedResolver.hpp"
+
+#include <condition_variable>
+#include <dlfcn.h>
+#include <mutex>
+#include <netdb.h>
+#include <string_view>
+
+namespace ZAK::test {
+namespace {
+
+struct State {
+  std::mutex mutex;
+  std::condition_variable changed;
+  bool blocks = false;
+  int blocked = 0;
+};
+
+/// Never destroyed: a look-up may still hang when the process ends.
+State& state() {
+  static State& instance = *new State;
+  return instance;
+}
+
+void waitForRelease() {
+  auto& current = state();
+  std::unique_lock lock(current.mutex);
+  ++current.blocked;
+  current.changed.wait(lock, [&] { return !current.blocks; });
+  --current.blocked;
+}
+
+}  // namespace
+
+BlockedResolver::BlockedResolver() {
+  const std::lock_guard lock(state().mutex);
+  state().blocks = true;
+}
+
+BlockedResolver::~BlockedResolver() { release(); }
+
+void BlockedResolver::release() {
+  const std::lock_guard lock(state().mutex);
+  state().blocks = false;
+  state().changed.notify_all();
+}
+
+int BlockedResolver::blocked() {
+  const std::lock_guard lock(state().mutex);
+  return state().blocked;
+}
+
+}  // namespace ZAK::test
+
+/// Stands before the C library's function of this name for all of the program, libcurl included.
+extern "C" int getaddrinfo(const char* node, const char* service, const addrinfo* hints, addrinfo** result) {
+  if (node != nullptr && std::string_view(node) == "blocked.test") {
+    ZAK::test::waitForRelease();
+    node = "127.0.0.1";
+  }
+  using Function = int (*)(const char*, const char*, const addrinfo*, addrinfo**);
+  static const auto original = reinterpret_cast<Function>(::dlsym(RTLD_NEXT, "getaddrinfo"));
+  return original(node, service, hints, result);
+}

@@ -1,0 +1,157 @@
+#include "support/FaultServer.hpp"
+
+#include <arpa/inet.h>
+#include <cctype>
+#include <cstdlib>
+#include <netinet/in.h>
+#include <pthread.h>
+#include <signal.h>
+#include <stdexcept>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace ZAK::test {
+namespace {
+
+/// A write to a connection that the client has closed must not end the test program; other threads keep their signals.
+void blockBrokenPipe() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, SIGPIPE);
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+}
+
+std::size_t bodyLength(std::string head) {
+  for (char& c : head) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  constexpr std::string_view name = "\r\ncontent-length:";
+  const auto at = head.find(name);
+  return at == std::string::npos ? 0 : std::strtoul(head.c_str() + at + name.size(), nullptr, 10);
+}
+
+}  // namespace
+
+FaultServer::FaultServer(const TestCertificate& certificate, Script script)
+    : script_(std::move(script)), context_(SSL_CTX_new(TLS_server_method()), SSL_CTX_free) {
+  SSL_CTX_use_certificate(context_.get(), certificate.certificate.get());
+  if (certificate.intermediate) SSL_CTX_add1_chain_cert(context_.get(), certificate.intermediate.get());
+  SSL_CTX_use_PrivateKey(context_.get(), certificate.key.get());
+  listener_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  auto* generic = reinterpret_cast<sockaddr*>(&address);
+  socklen_t length = sizeof(address);
+  if (::bind(listener_, generic, length) != 0 || ::listen(listener_, 1024) != 0 ||
+      ::getsockname(listener_, generic, &length) != 0) {
+    throw std::runtime_error("the test server cannot listen");
+  }
+  port_ = ntohs(address.sin_port);
+  acceptor_ = std::thread([this] { acceptConnections(); });
+}
+
+FaultServer::~FaultServer() {
+  ::shutdown(listener_, SHUT_RDWR);
+  acceptor_.join();
+  ::close(listener_);
+  {
+    const std::lock_guard lock(mutex_);
+    for (auto& connection : open_) {
+      if (connection.number_ >= 0) ::shutdown(connection.number_, SHUT_RDWR);
+    }
+  }
+  for (auto& worker : workers_) worker.join();
+}
+
+std::string FaultServer::url(std::string_view path, std::string_view host) const {
+  return "https://" + std::string(host) + ':' + std::to_string(port_) + std::string(path);
+}
+
+FaultServer::Script FaultServer::answering(std::string answer) {
+  return [answer = std::move(answer)](Connection& connection) {
+    if (!connection.handshake()) return;
+    while (!connection.readRequest().empty()) connection.send(answer);
+  };
+}
+
+void FaultServer::acceptConnections() {
+  blockBrokenPipe();
+  for (;;) {
+    const int number = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
+    if (number < 0) return;
+    const std::lock_guard lock(mutex_);
+    auto& connection = open_.emplace_back(*this, number);
+    connection.index_ = connections_++;
+    workers_.emplace_back([this, &connection] {
+      script_(connection);
+      connection.finish();
+    });
+  }
+}
+
+bool FaultServer::Connection::handshake() {
+  if (number_ < 0) return false;
+  tls_.reset(SSL_new(server_.context_.get()), SSL_free);
+  SSL_set_fd(tls_.get(), number_);
+  if (SSL_accept(tls_.get()) == 1) return true;
+  tls_.reset();
+  return false;
+}
+
+std::string FaultServer::Connection::readRequest() {
+  for (;;) {
+    if (const auto end = received_.find("\r\n\r\n"); end != std::string::npos) {
+      const std::size_t length = end + 4 + bodyLength(received_.substr(0, end));
+      if (received_.size() >= length) {
+        std::string request = received_.substr(0, length);
+        received_.erase(0, length);
+        ++server_.requests_;
+        return request;
+      }
+    }
+    char buffer[16384];
+    const int count = tls_ ? SSL_read(tls_.get(), buffer, sizeof(buffer)) : 0;
+    if (count <= 0) return {};
+    server_.bytes_ += static_cast<std::size_t>(count);
+    received_.append(buffer, static_cast<std::size_t>(count));
+  }
+}
+
+void FaultServer::Connection::send(std::string_view bytes) {
+  if (tls_ && !bytes.empty()) SSL_write(tls_.get(), bytes.data(), static_cast<int>(bytes.size()));
+}
+
+void FaultServer::Connection::drip(std::string_view bytes, std::chrono::milliseconds interval) {
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    send(bytes.substr(i, 1));
+    std::this_thread::sleep_for(interval);
+  }
+}
+
+void FaultServer::Connection::finish() {
+  if (tls_) SSL_shutdown(tls_.get());
+  close(false);
+}
+
+void FaultServer::Connection::cut() { close(false); }
+
+void FaultServer::Connection::reset() { close(true); }
+
+void FaultServer::Connection::stall() {
+  char buffer[4096];
+  while (number_ >= 0 && ::recv(number_, buffer, sizeof(buffer), 0) > 0) {
+  }
+}
+
+void FaultServer::Connection::close(bool byReset) {
+  tls_.reset();
+  const std::lock_guard lock(server_.mutex_);
+  if (number_ < 0) return;
+  if (byReset) {
+    const linger now{1, 0};
+    ::setsockopt(number_, SOL_SOCKET, SO_LINGER, &now, sizeof(now));
+  }
+  ::close(number_);
+  number_ = -1;
+}
+
+}  // namespace ZAK::test
