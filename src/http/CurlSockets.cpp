@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <sys/syscall.h>
 #include <system_error>
-#include <utility>
+#include <unistd.h>
 
 namespace ZAK {
 namespace {
@@ -20,18 +21,33 @@ int createSet() {
 CurlSockets::CurlSockets(const ContextStrand::Executor& executor, std::weak_ptr<void> owner, Ready ready)
     : set_(executor, createSet()), owner_(std::move(owner)), ready_(std::move(ready)) {}
 
-bool CurlSockets::watch(curl_socket_t number, int what, bool known) {
+bool CurlSockets::control(int operation, curl_socket_t number, std::uint32_t events) {
   epoll_event event{};
+  event.events = events;
   event.data.fd = number;
-  if ((what & CURL_POLL_IN) != 0) event.events |= EPOLLIN;
-  if ((what & CURL_POLL_OUT) != 0) event.events |= EPOLLOUT;
-  const auto control = [&](int operation) { return ::epoll_ctl(set_.native_handle(), operation, number, &event) == 0; };
+  return ::epoll_ctl(set_.native_handle(), operation, number, &event) == 0;
+}
+
+void CurlSockets::opened(curl_socket_t number) {
+  if (const auto found = wanted_.find(number); found != wanted_.end()) control(EPOLL_CTL_ADD, number, found->second);
+}
+
+bool CurlSockets::watch(curl_socket_t number, int what) {
   if (what == CURL_POLL_REMOVE) {
-    control(EPOLL_CTL_DEL);  // Fails for a socket that was closed already.
+    const auto node = wanted_.extract(number);
+    // Writing alone is waited for only until the connection stands.
+    if (node && node.mapped() == EPOLLOUT) failedAttempt_ = true;
+    // The socket may have been closed and its number be somebody else's: not in this set, so that nothing happens, but
+    // ThreadSanitizer would take the library's function for a race with whoever opened that.
+    ::syscall(SYS_epoll_ctl, set_.native_handle(), EPOLL_CTL_DEL, number, nullptr);
     return true;
   }
-  if (control(known ? EPOLL_CTL_MOD : EPOLL_CTL_ADD)) return true;
-  return control(known ? EPOLL_CTL_ADD : EPOLL_CTL_MOD);
+  std::uint32_t events = 0;
+  if ((what & CURL_POLL_IN) != 0) events |= EPOLLIN;
+  if ((what & CURL_POLL_OUT) != 0) events |= EPOLLOUT;
+  const bool known = !wanted_.insert_or_assign(number, events).second;
+  return control(known ? EPOLL_CTL_MOD : EPOLL_CTL_ADD, number, events) ||
+         control(known ? EPOLL_CTL_ADD : EPOLL_CTL_MOD, number, events);
 }
 
 void CurlSockets::wait() {
