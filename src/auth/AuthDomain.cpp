@@ -27,18 +27,18 @@ HTTPRequest tokenRequest(const std::string& base, const TokenRequestDto& body) {
 HTTPRequest AuthDomain::createTokenRequest(const std::string& base, Configuration::Environment environment,
                                            std::optional<std::string> firebaseToken,
                                            const DelegateReference<LoggerDelegate>& logger) {
-  HTTPRequest request = tokenRequest(base, TokenRequestDto(TokenRequestDto::GrantType::firebase, clientId,
-                                                           clientSecret(environment), std::nullopt,
-                                                           std::move(firebaseToken)));
+  HTTPRequest request =
+      tokenRequest(base, TokenRequestDto(TokenRequestDto::GrantType::firebase, clientId, clientSecret(environment),
+                                         std::nullopt, std::move(firebaseToken)));
   Log::message(logger, "[Authentifier] create token request 🛂");
   return request;
 }
 
 HTTPRequest AuthDomain::refreshTokenRequest(const std::string& base, Configuration::Environment environment,
                                             const TokenDto& token, const DelegateReference<LoggerDelegate>& logger) {
-  HTTPRequest request = tokenRequest(base, TokenRequestDto(TokenRequestDto::GrantType::refresh, clientId,
-                                                           clientSecret(environment), token.refreshToken,
-                                                           std::nullopt));
+  HTTPRequest request =
+      tokenRequest(base, TokenRequestDto(TokenRequestDto::GrantType::refresh, clientId, clientSecret(environment),
+                                         token.refreshToken, std::nullopt));
   Log::message(logger, "[Authentifier] refresh token request 🛂");
   return request;
 }

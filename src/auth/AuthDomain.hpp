@@ -1,13 +1,13 @@
 #pragma once
 
-#include <optional>
-#include <string>
-
 #include <zvapikit/auth/TokenDto.hpp>
 #include <zvapikit/core/Configuration.hpp>
 #include <zvapikit/core/DelegateReference.hpp>
 #include <zvapikit/core/LoggerDelegate.hpp>
 #include <zvapikit/http/HTTPRequest.hpp>
+
+#include <optional>
+#include <string>
 
 namespace ZAK {
 

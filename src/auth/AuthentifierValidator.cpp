@@ -25,8 +25,8 @@ HTTPValidatorResult AuthentifierValidator::validate(const HTTPResponse& response
   if (status < 301) return HTTPValidatorResult::next();
   const auto grant = grantOf(request);
   // A refresh token that is refused with 400 is spent: only a new Firebase grant helps.
-  const bool again = grant == TokenRequestDto::GrantType::firebase ||
-                     (grant == TokenRequestDto::GrantType::refresh && status != 400);
+  const bool again =
+      grant == TokenRequestDto::GrantType::firebase || (grant == TokenRequestDto::GrantType::refresh && status != 400);
   return again ? HTTPValidatorResult::retry(HTTPRetryStrategy::exponential(2)) : HTTPValidatorResult::next();
 }
 

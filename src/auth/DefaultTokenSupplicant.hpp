@@ -1,12 +1,12 @@
 #pragma once
 
-#include <memory>
-#include <string>
-
 #include "auth/TokenSupplicant.hpp"
 
 #include <zvapikit/core/Configuration.hpp>
 #include <zvapikit/core/DelegateReference.hpp>
+
+#include <memory>
+#include <string>
 
 namespace ZAK {
 

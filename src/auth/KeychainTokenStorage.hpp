@@ -1,13 +1,13 @@
 #pragma once
 
-#include <memory>
-#include <string>
-
 #include "auth/TokenStorage.hpp"
 
 #include <zvapikit/core/Configuration.hpp>
 #include <zvapikit/core/DelegateReference.hpp>
 #include <zvapikit/core/LoggerDelegate.hpp>
+
+#include <memory>
+#include <string>
 
 namespace ZAK {
 

@@ -23,7 +23,10 @@ HTTPValidatorResult LoginValidator::validate(const HTTPResponse& response, const
   if (logger_.lock()) {
     const auto bearer = request.headers.value("Authorization");
     Log::warning(logger_, "[LoginValidator] validation failed. Code: " + response.statusCode.description() +
-                              " bearer: " + (!bearer ? "nil" : redactsSecrets_ ? "<redacted>" : *bearer));
+                              " bearer: " +
+                              (!bearer           ? "nil"
+                               : redactsSecrets_ ? "<redacted>"
+                                                 : *bearer));
   }
   const auto sign = [authentifier = authentifier_](std::shared_ptr<HTTPRequest> rejected) {
     return MobileApiAuthentifier::authorize(authentifier, std::move(rejected), true);

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <memory>
-
 #include <zvapikit/core/DelegateReference.hpp>
 #include <zvapikit/http/HTTPValidator.hpp>
 #include <zvapikit/json/JSONDecoder.hpp>
+
+#include <memory>
 
 namespace ZAK {
 

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <memory>
-#include <optional>
-
 #include <zvapikit/auth/TokenDto.hpp>
 #include <zvapikit/core/DelegateReference.hpp>
 #include <zvapikit/http/HTTPRequest.hpp>
 
 #include <boost/asio/awaitable.hpp>
+
+#include <memory>
+#include <optional>
 
 namespace ZAK {
 

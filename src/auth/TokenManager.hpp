@@ -1,10 +1,5 @@
 #pragma once
 
-#include <memory>
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "auth/TokenStorage.hpp"
 #include "auth/TokenSupplicant.hpp"
 #include "http/ContextStrand.hpp"
@@ -16,6 +11,11 @@
 
 #include <boost/asio/any_io_executor.hpp>
 #include <boost/asio/awaitable.hpp>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace ZAK {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <optional>
-
 #include <zvapikit/auth/TokenDto.hpp>
+
+#include <optional>
 
 namespace ZAK {
 

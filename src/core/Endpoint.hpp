@@ -1,14 +1,14 @@
 #pragma once
 
-#include <exception>
-#include <string>
-#include <type_traits>
-#include <utility>
-
 #include <zvapikit/core/EmptyDto.hpp>
 #include <zvapikit/core/MobileApiClient.hpp>
 #include <zvapikit/core/ZAKError.hpp>
 #include <zvapikit/http/HTTPRequest.hpp>
+
+#include <exception>
+#include <string>
+#include <type_traits>
+#include <utility>
 
 namespace ZAK {
 

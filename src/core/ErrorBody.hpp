@@ -1,10 +1,10 @@
 #pragma once
 
-#include <optional>
-
 #include <zvapikit/core/ErrorDto.hpp>
 #include <zvapikit/http/HTTPResponse.hpp>
 #include <zvapikit/json/JSONDecoder.hpp>
+
+#include <optional>
 
 namespace ZAK {
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include <zvapikit/core/DeviceInfo.hpp>
 #include <zvapikit/http/HTTPHeaders.hpp>
 #include <zvapikit/platform/BundleInfo.hpp>
+
+#include <string>
+#include <vector>
 
 namespace ZAK {
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <exception>
-#include <string>
-#include <string_view>
-
 #include <zvapikit/core/DelegateReference.hpp>
 #include <zvapikit/core/LoggerDelegate.hpp>
 #include <zvapikit/json/Date.hpp>
+
+#include <exception>
+#include <string>
+#include <string_view>
 
 namespace ZAK::Log {
 

@@ -1,5 +1,3 @@
-#include <zvapikit/core/MobileApiClient.hpp>
-
 #include "auth/AuthentifierValidator.hpp"
 #include "auth/DefaultTokenSupplicant.hpp"
 #include "auth/KeychainTokenStorage.hpp"
@@ -14,6 +12,7 @@
 
 #include <zvapikit/core/Context.hpp>
 #include <zvapikit/core/FirebaseAuthentifier.hpp>
+#include <zvapikit/core/MobileApiClient.hpp>
 #include <zvapikit/http/CurlTransport.hpp>
 #include <zvapikit/http/HTTPClient.hpp>
 #include <zvapikit/keychain/KeychainFactory.hpp>
@@ -90,12 +89,11 @@ std::unique_ptr<MobileApiClient::Parts> MobileApiClient::Parts::build(Context co
   auto keychain = context.keychain ? context.keychain : KeychainFactory::shared();
   parts->authentifier = std::make_shared<MobileApiAuthentifier>(
       context.authentifier,
-      TokenManager::create(context.executor,
-                           std::make_unique<KeychainTokenStorage>(environment, std::move(keychain), context.logger),
-                           std::make_unique<DefaultTokenSupplicant>(context.configuration, authBase,
-                                                                    parts->authExecutor, context.authentifier,
-                                                                    context.logger),
-                           context.logger, parts->clock));
+      TokenManager::create(
+          context.executor, std::make_unique<KeychainTokenStorage>(environment, std::move(keychain), context.logger),
+          std::make_unique<DefaultTokenSupplicant>(context.configuration, authBase, parts->authExecutor,
+                                                   context.authentifier, context.logger),
+          context.logger, parts->clock));
 
   parts->monitor = std::make_shared<ClientMonitor>(context.monitor);
   const auto regularClient = parts->makeClient(context, context.servers.mobile(environment), parts->monitor);

@@ -1,6 +1,5 @@
-#include <zvapikit/core/MobileApiDomain.hpp>
-
 #include <zvapikit/core/MobileApiClient.hpp>
+#include <zvapikit/core/MobileApiDomain.hpp>
 #include <zvapikit/core/ZAKError.hpp>
 
 #include <stdexcept>

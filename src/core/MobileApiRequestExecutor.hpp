@@ -1,11 +1,11 @@
 #pragma once
 
-#include <memory>
-
 #include <zvapikit/core/DelegateReference.hpp>
 #include <zvapikit/core/RequestExecutor.hpp>
 #include <zvapikit/http/HTTPResponse.hpp>
 #include <zvapikit/json/JSONDecoder.hpp>
+
+#include <memory>
 
 namespace ZAK {
 
@@ -23,8 +23,7 @@ class MobileApiRequestExecutor final : public RequestExecutor {
 
  private:
   struct State;
-  static boost::asio::awaitable<void> run(std::shared_ptr<const State> state, HTTPRequest request,
-                                          DecodeTarget target);
+  static boost::asio::awaitable<void> run(std::shared_ptr<const State> state, HTTPRequest request, DecodeTarget target);
 
   std::shared_ptr<const State> state_;
 };

@@ -8,8 +8,8 @@ namespace ZAK {
 
 PlatformFacts PlatformFacts::current() {
   const Locale locale = Locale::current();
-  return PlatformFacts{locale.languageCode().value_or(std::string()), locale.preferredLanguages(),
-                       timeZoneIdentifier(), OperatingSystemVersion::current().description()};
+  return PlatformFacts{locale.languageCode().value_or(std::string()), locale.preferredLanguages(), timeZoneIdentifier(),
+                       OperatingSystemVersion::current().description()};
 }
 
 }  // namespace ZAK

@@ -7,18 +7,29 @@ namespace {
 
 std::string describe(ZAKError::Case kind) {
   switch (kind) {
-    case ZAKError::alreadyInitialized: return "already Initialized";
-    case ZAKError::notInitialized: return "not initialized";
-    case ZAKError::noHTTPResponse: return "No HTTPResponse";
-    case ZAKError::uploadfileNameNotValid: return "Upload file name not valid";
-    case ZAKError::noClientAvailable: return "No client available";
-    case ZAKError::failedToUploadWithSignedUrl: return "Upload with signed url failed";
-    case ZAKError::failedToRequestCode: return "Request code to API Failed";
-    case ZAKError::requestFailed: return "Request failed";
-    case ZAKError::urlNotValid: return "URL not valid";
-    case ZAKError::failedToDownloadData: return "Failed to download data";
+    case ZAKError::alreadyInitialized:
+      return "already Initialized";
+    case ZAKError::notInitialized:
+      return "not initialized";
+    case ZAKError::noHTTPResponse:
+      return "No HTTPResponse";
+    case ZAKError::uploadfileNameNotValid:
+      return "Upload file name not valid";
+    case ZAKError::noClientAvailable:
+      return "No client available";
+    case ZAKError::failedToUploadWithSignedUrl:
+      return "Upload with signed url failed";
+    case ZAKError::failedToRequestCode:
+      return "Request code to API Failed";
+    case ZAKError::requestFailed:
+      return "Request failed";
+    case ZAKError::urlNotValid:
+      return "URL not valid";
+    case ZAKError::failedToDownloadData:
+      return "Failed to download data";
     case ZAKError::apiError:
-    case ZAKError::httpError: break;
+    case ZAKError::httpError:
+      break;
   }
   throw std::invalid_argument("this case of ZAKError has a payload");
 }

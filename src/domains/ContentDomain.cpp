@@ -1,6 +1,6 @@
-#include <zvapikit/domains/ContentDomain.hpp>
-
 #include "core/Endpoint.hpp"
+
+#include <zvapikit/domains/ContentDomain.hpp>
 
 namespace ZAK {
 
@@ -10,9 +10,7 @@ namespace {
 
 /// Names a post and its author in the query.
 Endpoint on(PostId post, UserId author, Endpoint endpoint) {
-  return std::move(endpoint)
-      .query("postId", std::move(post.value))
-      .query("postUserId", std::move(author.value));
+  return std::move(endpoint).query("postId", std::move(post.value)).query("postUserId", std::move(author.value));
 }
 
 }  // namespace
@@ -25,12 +23,11 @@ awaitable<NewPostDto> ContentDomain::post(PostId postId) {
   return fire<NewPostDto>(weakClient(), Endpoint::get("/content/posts/{postId}", {{"postId", postId.value}}));
 }
 
-awaitable<void> ContentDomain::deleteMyPost() {
-  return fire<void>(weakClient(), Endpoint::delete_("/content/posts"));
-}
+awaitable<void> ContentDomain::deleteMyPost() { return fire<void>(weakClient(), Endpoint::delete_("/content/posts")); }
 
 awaitable<PostDto> ContentDomain::updateCaption(std::string caption) {
-  return fire<PostDto>(weakClient(), Endpoint::patch("/content/posts/caption").json(CaptionDto(caption)));
+  const CaptionDto body{std::move(caption)};
+  return fire<PostDto>(weakClient(), Endpoint::patch("/content/posts/caption").json(body));
 }
 
 awaitable<PostDto> ContentDomain::updateVisibility(PostVisibilityDto visibility) {

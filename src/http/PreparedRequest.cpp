@@ -15,6 +15,12 @@ namespace {
   throw HTTPError(HTTPError::Kind::invalidRequest, HTTPStatusCode(), std::move(message));
 }
 
+/// A user in front of the host would be sent as credentials of its own, and parsers differ on where the host begins.
+bool carriesCredentials(std::string_view url) noexcept {
+  const std::size_t authority = url.find("//") + 2;
+  return url.substr(0, url.find_first_of("/?#", authority)).find('@') != std::string_view::npos;
+}
+
 URL wholeURL(const HTTPRequest& request, const std::optional<URL>& baseURL) {
   if (request.climbsPath()) refuse("a path variable is . or ..");
   std::string text = request.expandedURI();
@@ -25,6 +31,7 @@ URL wholeURL(const HTTPRequest& request, const std::optional<URL>& baseURL) {
   const std::optional<URL> url = URL::parse(withQuery(std::move(text), request.queryItems()));
   if (!url || url->host().empty()) refuse("the URL is not valid");
   if (url->scheme() != "https") refuse("the URL is not https");
+  if (carriesCredentials(url->string())) refuse("the URL carries credentials");
   return *url;
 }
 
@@ -51,10 +58,6 @@ HTTPHeaders mergedHeaders(const HTTPRequest& request, const HTTPHeaders& default
   return headers;
 }
 
-bool haveOneOrigin(const URL& a, const URL& b) {
-  return a.scheme() == b.scheme() && a.host() == b.host() && a.port() == b.port();
-}
-
 }  // namespace
 
 PreparedRequest prepared(const HTTPRequest& request, const RequestDefaults& defaults) {
@@ -67,7 +70,7 @@ PreparedRequest prepared(const HTTPRequest& request, const RequestDefaults& defa
   transfer.timeout = request.timeout;
   transfer.maxRedirects = request.maxRedirects.value_or(defaults.maxRedirects);
   if (request.isAbsolute() && defaults.baseURL && transfer.headers.value("Authorization") &&
-      !haveOneOrigin(result.url, *defaults.baseURL)) {
+      !result.url.hasSameOrigin(*defaults.baseURL)) {
     refuse("a client's Authorization is for its own server only");
   }
   return result;

@@ -1,8 +1,5 @@
 #pragma once
 
-#include <memory>
-#include <utility>
-
 #include <boost/asio/associated_cancellation_slot.hpp>
 #include <boost/asio/associated_executor.hpp>
 #include <boost/asio/async_result.hpp>
@@ -12,6 +9,9 @@
 #include <boost/asio/prefer.hpp>
 #include <boost/asio/use_awaitable.hpp>
 #include <boost/system/error_code.hpp>
+
+#include <memory>
+#include <utility>
 
 namespace ZAK {
 
@@ -45,9 +45,9 @@ class HandlerWaiter final : public Waiter<Result> {
   }
 
  private:
-  using Executor = decltype(boost::asio::prefer(
-      std::declval<typename boost::asio::associated_executor<Handler>::type>(),
-      boost::asio::execution::outstanding_work.tracked));
+  using Executor =
+      decltype(boost::asio::prefer(std::declval<typename boost::asio::associated_executor<Handler>::type>(),
+                                   boost::asio::execution::outstanding_work.tracked));
 
   Handler handler_;
   Executor executor_;

@@ -1,11 +1,5 @@
 #pragma once
 
-#include <array>
-#include <string>
-#include <tuple>
-#include <type_traits>
-#include <utility>
-
 #include "Catalogue.hpp"
 
 #include <zvapikit/core/MobileApiClient.hpp>
@@ -14,6 +8,12 @@
 #include <zvapikit/model/Identifiers.hpp>
 
 #include <nlohmann/json.hpp>
+
+#include <array>
+#include <string>
+#include <tuple>
+#include <type_traits>
+#include <utility>
 
 namespace zvkit {
 
@@ -39,7 +39,7 @@ struct ArgumentType {
 };
 
 template <class T>
-  requires std::is_same_v<T, ZAK::PostId> || std::is_same_v<T, ZAK::UserId>
+requires std::is_same_v<T, ZAK::PostId> || std::is_same_v<T, ZAK::UserId>
 struct ArgumentType<T> {
   static T read(const nlohmann::json& value) { return T(ArgumentType<std::string>::read(value)); }
   static std::string name() { return "string"; }
@@ -73,22 +73,22 @@ boost::asio::awaitable<std::string> encoded(boost::asio::awaitable<Result> call)
 /// An operation of an endpoint group, its arguments by name in the order of its parameters.
 template <class Group, class Result, class... Args>
 Operation bind(std::string group, std::string name, boost::asio::awaitable<Result> (Group::*method)(Args...),
-               std::array<std::string, sizeof...(Args)> names) {
-  Operation operation;
-  operation.group = std::move(group);
-  operation.name = std::move(name);
-  std::size_t index = 0;
-  (operation.arguments.push_back(Argument{names[index++], ArgumentType<Args>::name(), true}), ...);
-  operation.call = [method, known = operation.arguments](std::shared_ptr<ZAK::MobileApiClient> client,
-                                                         const nlohmann::json& arguments) {
-    checkArguments(arguments, known);
-    // Braces: the arguments are read from left to right.
-    std::size_t next = 0;
-    std::tuple<Args...> values{readArgument<Args>(arguments, known[next++].name)...};
-    return std::apply(
-        [&](Args&... value) { return encoded<Result>((Group(client).*method)(std::move(value)...)); }, values);
-  };
-  return operation;
+               const std::array<std::string, sizeof...(Args)>& names) {
+  return [&]<std::size_t... I>(std::index_sequence<I...>) {
+    Operation operation;
+    operation.group = std::move(group);
+    operation.name = std::move(name);
+    operation.arguments = {Argument{names[I], ArgumentType<Args>::name()}...};
+    operation.call = [method, known = operation.arguments](std::shared_ptr<ZAK::MobileApiClient> client,
+                                                           const nlohmann::json& arguments) {
+      checkArguments(arguments, known);
+      // Braces: the arguments are read from left to right.
+      std::tuple<Args...> values{readArgument<Args>(arguments, known[I].name)...};
+      return encoded<Result>((Group(client).*method)(std::move(std::get<I>(values))...));
+    };
+    return operation;
+  }
+  (std::index_sequence_for<Args...>());
 }
 
 }  // namespace zvkit

@@ -47,7 +47,8 @@ const Operation& find(std::string_view fullName) {
 void checkArguments(const nlohmann::json& arguments, const std::vector<Argument>& known) {
   if (!arguments.is_object()) throw UsageError("the arguments must be one JSON object");
   for (const auto& [name, value] : arguments.items()) {
-    const bool isKnown = std::any_of(known.begin(), known.end(), [&, &key = name](const auto& a) { return a.name == key; });
+    const bool isKnown =
+        std::any_of(known.begin(), known.end(), [&, &key = name](const auto& a) { return a.name == key; });
     if (!isKnown) throw UsageError("unknown argument \"" + name + "\"");
   }
 }

@@ -1,14 +1,14 @@
 #pragma once
 
+#include <boost/asio/awaitable.hpp>
+#include <nlohmann/json_fwd.hpp>
+
 #include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include <boost/asio/awaitable.hpp>
-#include <nlohmann/json_fwd.hpp>
 
 namespace ZAK {
 class MobileApiClient;
@@ -25,7 +25,6 @@ struct UsageError : std::runtime_error {
 struct Argument {
   std::string name;
   std::string type;
-  bool required;
 };
 
 /// One operation of the kit, to be called by name.

@@ -1,10 +1,10 @@
 #pragma once
 
+#include <zvapikit/core/LoggerDelegate.hpp>
+
 #include <exception>
 #include <string>
 #include <string_view>
-
-#include <zvapikit/core/LoggerDelegate.hpp>
 
 namespace zvkit {
 

@@ -41,6 +41,7 @@ struct Stage {
   ZAK::EmulatorOptions options() const {
     ZAK::EmulatorOptions settings;
     settings.now = [now = clock] { return now->now(); };
+    settings.tokenLifetime = tokenLifetime;
     return settings;
   }
 
@@ -71,6 +72,7 @@ struct Stage {
     if (!holds) throw std::logic_error(std::string("the demo went wrong: not so: ") + claim);
   }
 
+  static constexpr std::chrono::minutes tokenLifetime{10};
   std::shared_ptr<ZAK::ManualClock> clock = std::make_shared<ZAK::ManualClock>(ZAK::ManualClock::autoAdvance);
   ZAK::EmulatorThread emulator;
   boost::asio::io_context io{1};
@@ -132,16 +134,17 @@ awaitable<void> afternoon(std::shared_ptr<Stage> stage, std::shared_ptr<ZAK::Mob
                "a second post is refused");
   stage->step("A second post of the day is refused: " + refusal->errorDescription());
 
-  stage->clock->advance(std::chrono::hours(2));
+  stage->clock->advance(Stage::tokenLifetime);
   co_await content.updateCaption("Coffee first, again ☕");
   Stage::check(stage->exchanges("refresh_token") == 1, "one refresh");
-  stage->step("Two hours later the token had expired: refreshed it, and changed the caption");
+  stage->step("Ten minutes later the token had expired: refreshed it, and changed the caption");
 
   stage->emulator->expireTokens();
   co_await content.updateVisibility(ZAK::PostVisibilityDto::fof);
   Stage::check(stage->exchanges("firebase") == 2, "one more sign-in");
-  stage->step("The server rejected the token: signed in anew, sent the request again, and opened the post to "
-              "friends-of-friends");
+  stage->step(
+      "The server rejected the token: signed in anew, sent the request again, and opened the post to "
+      "friends-of-friends");
 }
 
 awaitable<void> evening(std::shared_ptr<Stage> stage, std::shared_ptr<ZAK::MobileApiClient> client) {
@@ -156,9 +159,9 @@ awaitable<void> evening(std::shared_ptr<Stage> stage, std::shared_ptr<ZAK::Mobil
 }
 
 /// Runs one part of the day with a client of its own, until nothing is in flight.
-void play(const std::shared_ptr<Stage>& stage,
-          std::initializer_list<awaitable<void> (*)(std::shared_ptr<Stage>, std::shared_ptr<ZAK::MobileApiClient>)>
-              parts) {
+void play(
+    const std::shared_ptr<Stage>& stage,
+    std::initializer_list<awaitable<void> (*)(std::shared_ptr<Stage>, std::shared_ptr<ZAK::MobileApiClient>)> parts) {
   const auto client = stage->openApp();
   for (const auto part : parts) {
     stage->io.restart();

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <memory>
-
 #include <zvapikit/core/Configuration.hpp>
 #include <zvapikit/core/DelegateReference.hpp>
 #include <zvapikit/core/DeviceInfo.hpp>
 #include <zvapikit/core/RequestExecutor.hpp>
 
 #include <boost/asio/awaitable.hpp>
+
+#include <memory>
 
 namespace ZAK {
 

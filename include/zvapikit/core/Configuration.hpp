@@ -1,9 +1,9 @@
 #pragma once
 
+#include <zvapikit/json/RawValue.hpp>
+
 #include <array>
 #include <string_view>
-
-#include <zvapikit/json/RawValue.hpp>
 
 namespace ZAK {
 

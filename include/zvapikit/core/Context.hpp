@@ -1,7 +1,5 @@
 #pragma once
 
-#include <memory>
-
 #include <zvapikit/core/Configuration.hpp>
 #include <zvapikit/core/DelegateReference.hpp>
 #include <zvapikit/core/DeviceInfo.hpp>
@@ -11,6 +9,8 @@
 #include <zvapikit/platform/Directories.hpp>
 
 #include <boost/asio/any_io_executor.hpp>
+
+#include <memory>
 
 namespace ZAK {
 

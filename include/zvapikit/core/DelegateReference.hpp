@@ -15,14 +15,14 @@ class DelegateReference {
   DelegateReference() = default;
   DelegateReference(std::nullptr_t) {}
   template <class T>
-    requires std::convertible_to<T*, Delegate*>
-  DelegateReference(const std::shared_ptr<T>& delegate) : delegate_(delegate) {}
+  requires std::convertible_to<T*, Delegate*> DelegateReference(const std::shared_ptr<T>& delegate)
+      : delegate_(delegate) {}
   template <class T>
-    requires std::convertible_to<T*, Delegate*>
-  DelegateReference(const std::shared_ptr<T>&& delegate) = delete;
+  requires std::convertible_to<T*, Delegate*> DelegateReference(const std::shared_ptr<T>&& delegate)
+  = delete;
   template <class T>
-    requires std::convertible_to<T*, Delegate*>
-  DelegateReference(const std::weak_ptr<T>& delegate) : delegate_(delegate) {}
+  requires std::convertible_to<T*, Delegate*> DelegateReference(const std::weak_ptr<T>& delegate)
+      : delegate_(delegate) {}
 
   /// The delegate, or null when there is none or it is gone.
   [[nodiscard]] std::shared_ptr<Delegate> lock() const noexcept { return delegate_.lock(); }

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include <boost/asio/awaitable.hpp>
+
+#include <string>
 
 namespace ZAK {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <memory>
-
 #include <zvapikit/core/Client.hpp>
+
+#include <memory>
 
 namespace ZAK {
 

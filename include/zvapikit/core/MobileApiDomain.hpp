@@ -1,9 +1,9 @@
 #pragma once
 
-#include <memory>
-
 #include <zvapikit/core/Configuration.hpp>
 #include <zvapikit/core/Domain.hpp>
+
+#include <memory>
 
 namespace ZAK {
 

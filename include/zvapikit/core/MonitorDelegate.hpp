@@ -1,9 +1,9 @@
 #pragma once
 
+#include <zvapikit/http/HTTPClientDelegate.hpp>
+
 #include <optional>
 #include <string_view>
-
-#include <zvapikit/http/HTTPClientDelegate.hpp>
 
 namespace ZAK {
 

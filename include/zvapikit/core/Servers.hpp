@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include <zvapikit/core/Configuration.hpp>
+
+#include <string>
 
 namespace ZAK {
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include <zvapikit/core/ErrorDto.hpp>
+#include <zvapikit/http/HTTPError.hpp>
+
 #include <exception>
 #include <memory>
 #include <string>
-
-#include <zvapikit/core/ErrorDto.hpp>
-#include <zvapikit/http/HTTPError.hpp>
 
 namespace ZAK {
 
@@ -17,17 +17,17 @@ namespace ZAK {
 class ZAKError : public std::exception {
  public:
   enum Case {
-    apiError,                     ///< the server described the failure: `errorDto()`
-    httpError,                    ///< no answer, or a failing one without a description: `underlyingError()`
+    apiError,   ///< the server described the failure: `errorDto()`
+    httpError,  ///< no answer, or a failing one without a description: `underlyingError()`
     alreadyInitialized,
     notInitialized,
     noHTTPResponse,
-    uploadfileNameNotValid,       ///< a file name that would leave its directory
-    noClientAvailable,            ///< the group outlived its client
+    uploadfileNameNotValid,  ///< a file name that would leave its directory
+    noClientAvailable,       ///< the group outlived its client
     failedToUploadWithSignedUrl,
     failedToRequestCode,
     requestFailed,
-    urlNotValid,                  ///< a URL that cannot be formed, or a path variable that would climb the path
+    urlNotValid,  ///< a URL that cannot be formed, or a path variable that would climb the path
     failedToDownloadData
   };
 

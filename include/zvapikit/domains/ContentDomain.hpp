@@ -1,14 +1,15 @@
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include <zvapikit/core/MobileApiDomain.hpp>
 #include <zvapikit/model/CreatePostDto.hpp>
 #include <zvapikit/model/Identifiers.hpp>
+#include <zvapikit/model/PostActionDto.hpp>
 #include <zvapikit/model/PostDto.hpp>
 
 #include <boost/asio/awaitable.hpp>
+
+#include <string>
+#include <vector>
 
 namespace ZAK {
 

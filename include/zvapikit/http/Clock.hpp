@@ -1,11 +1,11 @@
 #pragma once
 
-#include <chrono>
-#include <memory>
-
 #include <zvapikit/json/Date.hpp>
 
 #include <boost/asio/awaitable.hpp>
+
+#include <chrono>
+#include <memory>
 
 namespace ZAK {
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include <zvapikit/http/MIMEType.hpp>
+#include <zvapikit/json/JSONEncoder.hpp>
+
 #include <memory>
 #include <string>
 #include <string_view>
-
-#include <zvapikit/http/MIMEType.hpp>
-#include <zvapikit/json/JSONEncoder.hpp>
 
 namespace ZAK {
 
@@ -30,7 +30,9 @@ class HTTPBody {
   /// False for a request without a body, true also for a body of no bytes.
   [[nodiscard]] bool isPresent() const noexcept { return bytes_ != nullptr; }
   /// The bytes; empty when there is no body.
-  [[nodiscard]] std::string_view bytes() const noexcept { return bytes_ ? std::string_view(*bytes_) : std::string_view(); }
+  [[nodiscard]] std::string_view bytes() const noexcept {
+    return bytes_ ? std::string_view(*bytes_) : std::string_view();
+  }
   [[nodiscard]] const std::string& contentType() const noexcept { return contentType_; }
 
  private:

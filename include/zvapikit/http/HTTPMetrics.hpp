@@ -19,7 +19,7 @@ struct HTTPMetrics {
   int attempt = 1;                            ///< 1 for the first attempt, 2 for its first retry, ...
   int redirects = 0;                          ///< redirects followed
   bool reusedConnection = false;
-  std::string protocol;                       ///< `HTTP/1.1`, `HTTP/2`, or empty when no answer came
+  std::string protocol;  ///< `HTTP/1.1`, `HTTP/2`, or empty when no answer came
 };
 
 }  // namespace ZAK

@@ -1,17 +1,17 @@
 #pragma once
 
+#include <zvapikit/http/HTTPBody.hpp>
+#include <zvapikit/http/HTTPHeaders.hpp>
+#include <zvapikit/http/HTTPMethod.hpp>
+#include <zvapikit/http/URLQueryItem.hpp>
+#include <zvapikit/json/URL.hpp>
+
 #include <chrono>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
-
-#include <zvapikit/http/HTTPBody.hpp>
-#include <zvapikit/http/HTTPHeaders.hpp>
-#include <zvapikit/http/HTTPMethod.hpp>
-#include <zvapikit/http/URLQueryItem.hpp>
-#include <zvapikit/json/URL.hpp>
 
 namespace ZAK {
 

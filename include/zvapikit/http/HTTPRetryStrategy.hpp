@@ -1,13 +1,13 @@
 #pragma once
 
+#include <zvapikit/http/HTTPRequest.hpp>
+
+#include <boost/asio/awaitable.hpp>
+
 #include <chrono>
 #include <exception>
 #include <functional>
 #include <memory>
-
-#include <zvapikit/http/HTTPRequest.hpp>
-
-#include <boost/asio/awaitable.hpp>
 
 namespace ZAK {
 

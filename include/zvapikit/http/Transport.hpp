@@ -1,11 +1,5 @@
 #pragma once
 
-#include <chrono>
-#include <memory>
-#include <optional>
-#include <string>
-#include <vector>
-
 #include <zvapikit/http/HTTPBody.hpp>
 #include <zvapikit/http/HTTPHeaders.hpp>
 #include <zvapikit/http/HTTPMethod.hpp>
@@ -13,6 +7,12 @@
 #include <zvapikit/json/URL.hpp>
 
 #include <boost/asio/awaitable.hpp>
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace ZAK {
 

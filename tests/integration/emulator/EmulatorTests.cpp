@@ -73,6 +73,7 @@ TEST_F(EmulatorTest, ProvesItselfForEveryHostAndNoOther) {
   }
   EXPECT_THROW(RawClient(*emulator_, "elsewhere.example"), boost::system::system_error);
   EXPECT_EQ(RawClient(*emulator_, "localhost").send("GET", "/").status, 421);
+  EXPECT_EQ(RawClient(*emulator_, sandboxMobile).send("GET", "/main/apis/content").status, 421) << "not below the base";
 }
 
 TEST(EmulatorCertificate, ChoosesItsFault) {

@@ -20,7 +20,7 @@ namespace ZAK {
 /// Of several faults that fit, the one injected first meets the request. Unless `answer` or `raw` stands in for it, the
 /// request is served before its answer is spoilt: what it changes stays changed.
 struct EmulatorFault {
-  static constexpr int always = std::numeric_limits<int>::max();
+  static constexpr int always = (std::numeric_limits<int>::max)();
 
   /// What happens to the bearer token of the request before the request is served.
   enum class Token {
