@@ -148,10 +148,10 @@ class Lifetime : public TransportFixture, public testing::WithParamInterface<Cas
  protected:
   /// Cancellation before the transfer is awaited, from within the coroutine that then awaits it.
   static asio::awaitable<void> callCancelled(asio::awaitable<TransferResult> transfer, std::shared_ptr<Outcome> outcome,
-                                             asio::cancellation_signal* signal, asio::cancellation_type type) {
+                                             asio::cancellation_type type) {
     co_await asio::this_coro::reset_cancellation_state(asio::enable_total_cancellation());
     co_await asio::this_coro::throw_if_cancelled(false);
-    signal->emit(type);
+    outcome->signal.emit(type);
     try {
       outcome->result = co_await std::move(transfer);
     } catch (...) {
@@ -169,8 +169,8 @@ TEST_P(Lifetime, endsWithoutHangOrLeak) {
   const auto type = cancellationType(action);
   if (stage == Stage::start && type != asio::cancellation_type::none) {
     outcome = std::make_shared<Outcome>();
-    asio::co_spawn(*io, callCancelled(shared->perform(get(scene.url())), outcome, &signal, type),
-                   asio::bind_cancellation_slot(signal.slot(), asio::detached));
+    asio::co_spawn(*io, callCancelled(shared->perform(get(scene.url())), outcome, type),
+                   asio::bind_cancellation_slot(outcome->signal.slot(), asio::detached));
   } else {
     outcome = start(shared->perform(get(scene.url())));
     ASSERT_TRUE(runUntil([&] { return scene.reached(); }));
@@ -191,7 +191,7 @@ TEST_P(Lifetime, endsWithoutHangOrLeak) {
       EXPECT_EQ(outcome->result->response.hasAnswer(), stage != Stage::connecting);
       return;
     default:
-      signal.emit(type);
+      outcome->signal.emit(type);
       ASSERT_TRUE(runDry());
       EXPECT_TRUE(outcome->cancelled());
   }
@@ -246,7 +246,7 @@ TEST_F(LifetimeTest, processEndsWhileANameIsResolved) {
     const auto shared = transport();
     const auto outcome = start(shared->perform(get("https://blocked.test/")));
     runUntil([] { return BlockedResolver::blocked() > 0; });
-    signal.emit(asio::cancellation_type::terminal);
+    outcome->signal.emit(asio::cancellation_type::terminal);
     runDry();
     std::exit(outcome->cancelled() ? 0 : 1);
   };

@@ -53,7 +53,7 @@ TransportOptions TransportFixture::options() const {
 std::shared_ptr<Outcome> TransportFixture::start(boost::asio::awaitable<TransferResult> transfer) {
   auto outcome = std::make_shared<Outcome>();
   boost::asio::co_spawn(*io, call(std::move(transfer), outcome),
-                        boost::asio::bind_cancellation_slot(signal.slot(), boost::asio::detached));
+                        boost::asio::bind_cancellation_slot(outcome->signal.slot(), boost::asio::detached));
   return outcome;
 }
 

@@ -19,8 +19,10 @@
 
 namespace ZAK::test {
 
-/// What became of a call that runs on its own.
+/// What became of a call that runs on its own. To be held until the call has ended.
 struct Outcome {
+  /// Cancels the call.
+  boost::asio::cancellation_signal signal;
   std::optional<TransferResult> result;
   std::exception_ptr error;
 
@@ -43,7 +45,7 @@ class TransportFixture : public testing::Test {
   [[nodiscard]] TransportOptions options() const;
   [[nodiscard]] std::shared_ptr<Transport> transport() { return CurlTransport::create(io->get_executor(), options()); }
 
-  /// Starts a call that `signal` cancels.
+  /// Starts a call.
   std::shared_ptr<Outcome> start(boost::asio::awaitable<TransferResult> transfer);
   /// Runs the context until there is nothing left to do; false after a time that no test takes.
   bool runDry();
@@ -66,7 +68,6 @@ class TransportFixture : public testing::Test {
   static constexpr std::chrono::seconds patience{20};
 
   std::unique_ptr<boost::asio::io_context> io = std::make_unique<boost::asio::io_context>();
-  boost::asio::cancellation_signal signal;
   static const TestAuthority& authority();
 };
 
