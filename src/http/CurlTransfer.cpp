@@ -48,6 +48,12 @@ CURLcode CurlTransfer::begin(CURL* easy, const CurlSettings& settings) {
   curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
   curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &CurlTransfer::onBody);
   curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
+  if (!isIdempotent(request.method)) {
+    // Where this cannot be watched the transfer must not start.
+    CURLcode code = curl_easy_setopt(easy, CURLOPT_PREREQFUNCTION, &CurlTransfer::onSend);
+    if (code == CURLE_OK) code = curl_easy_setopt(easy, CURLOPT_PREREQDATA, this);
+    if (code != CURLE_OK) return code;
+  }
   return configure(easy, settings, request, lines_);
 }
 
@@ -93,6 +99,11 @@ void CurlTransfer::collectMetrics() {
   metrics.nameLookup = duration(easy_, CURLINFO_NAMELOOKUP_TIME_T);
   metrics.connect = duration(easy_, CURLINFO_CONNECT_TIME_T);
   metrics.secureConnect = duration(easy_, CURLINFO_APPCONNECT_TIME_T);
+}
+
+int CurlTransfer::onSend(void* transfer, char*, char*, int, int) noexcept {
+  const bool sentBefore = info<long>(static_cast<CurlTransfer*>(transfer)->easy_, CURLINFO_REQUEST_SIZE) > 0;
+  return sentBefore ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
 }
 
 std::size_t CurlTransfer::onHeader(char* data, std::size_t size, std::size_t count, void* transfer) noexcept {

@@ -69,6 +69,7 @@ Verdict verdict(const TransferFailure& failure) {
     case CURLE_SEND_FAIL_REWIND:
     case CURLE_HTTP2:
     case CURLE_HTTP2_STREAM:
+    case CURLE_ABORTED_BY_CALLBACK:  // the request would have been sent twice
       return {Kind::connectionLost, "connection lost"};
 
     case CURLE_WEIRD_SERVER_REPLY:

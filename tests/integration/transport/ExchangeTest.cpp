@@ -223,6 +223,36 @@ TEST_F(ExchangeTest, aConnectionThatWasClosedMeanwhileIsReplaced) {
   EXPECT_EQ(server.connections(), 3);
 }
 
+TEST_F(ExchangeTest, onlyWhatMayBeRepeatedIsSentAgainWhenAKeptConnectionDies) {
+  using Connection = FaultServer::Connection;
+  for (const auto end : {&Connection::finish, &Connection::cut, &Connection::reset}) {
+    for (const auto method :
+         {HTTPMethod::get, HTTPMethod::put, HTTPMethod::delete_, HTTPMethod::post, HTTPMethod::patch}) {
+      for (const std::string body : {"", "a body"}) {
+        SCOPED_TRACE(std::string(rawValue(method)) + ' ' + body);
+        const FaultServer server(authority().issue(), [&](Connection& client) {
+          if (!client.handshake() || client.readRequest().empty()) return;
+          client.send(ok);
+          if (client.index() == 0 && !client.readRequest().empty()) (client.*end)();
+        });
+        const auto shared = transport();
+        EXPECT_EQ(perform(shared, get(server.url())).response.body, "ok");
+        auto request = get(server.url());
+        request.method = method;
+        if (!body.empty()) request.body = HTTPBody::data(body);
+        const auto result = perform(shared, request);
+        EXPECT_EQ(server.requests(), isIdempotent(method) ? 3 : 2);
+        EXPECT_EQ(result.response.body, isIdempotent(method) ? "ok" : "");
+        ASSERT_NE(result.response.error.has_value(), isIdempotent(method));
+        if (!result.response.error) continue;
+        EXPECT_EQ(result.response.error->kind(), Kind::connectionLost);
+        EXPECT_EQ(result.response.error->description(), "connection lost");
+        EXPECT_FALSE(result.answerStarted);
+      }
+    }
+  }
+}
+
 TEST_F(ExchangeTest, callsWaitForTheirTurnBeyondTheConnectTimeout) {
   const FaultServer server(authority().issue(), [](FaultServer::Connection& client) {
     if (!client.handshake()) return;
