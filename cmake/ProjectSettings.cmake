@@ -7,6 +7,8 @@ find_package(simdjson REQUIRED)
 find_package(nlohmann_json REQUIRED)
 find_package(date REQUIRED)
 find_package(ZLIB REQUIRED)
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(LIBSECRET REQUIRED IMPORTED_TARGET libsecret-1>=0.20)
 
 add_library(zvapikit_settings INTERFACE)
 target_compile_features(zvapikit_settings INTERFACE cxx_std_20)

@@ -3,9 +3,9 @@
 # the public headers. One line a step; the last line is "N passed, N failed".
 #   scripts/check.sh            every step
 #   scripts/check.sh STEP ...   these, of:
-steps=(asan clang tsan format tidy words headers header-cost header-includes macros)
+steps=(asan clang tsan format tidy words layers headers header-cost header-includes macros fuzz)
 set -u
-cd "$(dirname "$0")/.."
+cd "$(dirname "$0")/.." || exit
 
 case "${1:-}" in -h | --help) sed -n '2,5s/^# \{0,1\}//p' "$0" && echo "  ${steps[*]}" && exit 0 ;; esac
 [ $# -eq 0 ] || steps=("$@")
@@ -37,9 +37,32 @@ words() {
   return $found
 }
 
+# Which modules may include which, as docs/architecture.md draws it. The composition root alone looks upwards.
+layers() {
+  git grep -nE '#include [<"](zvapikit/)?[a-z]+/[A-Z]' -- 'include/zvapikit/*' 'src/*' ':!src/core/MobileApiClient.cpp' |
+    awk -F'[:/<"]' '
+      BEGIN {
+        allowed["http"] = " json "
+        allowed["keychain"] = " platform "
+        allowed["core"] = " http json keychain platform "
+        allowed["model"] = allowed["core"] "core "
+        allowed["auth"] = allowed["core"] "core "
+        allowed["domains"] = allowed["model"] "model "
+      }
+      {
+        from = $1 == "include" ? $3 : $2
+        match($0, /#include [<"]/)
+        to = substr($0, RSTART + RLENGTH)
+        sub(/^zvapikit\//, "", to)
+        sub(/\/.*/, "", to)
+        if (to != from && index(allowed[from], " " to " ") == 0) { print from " includes " to ": " $0; found = 1 }
+      }
+      END { exit found }'
+}
+
 public_headers() { git ls-files -- 'include/*.hpp' 'emulator/include/*.hpp'; }
 public_includes=(-Iinclude -Iemulator/include)
-name_of() { sed 's|^.*include/||' <<<"$1"; }
+name_of() { echo "${1##*include/}"; }
 
 # Compiles each public header alone, once a run: prints what fails, and leaves CPU seconds and files included behind.
 compiled=""
@@ -105,6 +128,21 @@ macros() {
     for header in $(public_headers); do echo "#include <$(name_of "$header")>"; done
   } >"$out/macros.cpp"
   g++ -std=c++20 -fsyntax-only -Wall -Wextra -Werror "${public_includes[@]}" "$out/macros.cpp"
+}
+
+# Each fuzzer for a while, from its corpus and from what earlier runs here have learnt.
+fuzz() {
+  cmake --preset fuzz && cmake --build --preset fuzz -j $jobs || return
+  local folder name failed=0
+  mkdir -p build/fuzz/findings
+  for folder in tests/fuzz/corpus/*; do
+    name=${folder##*/}
+    mkdir -p "build/fuzz/learnt/$name"
+    ASAN_SYMBOLIZER_PATH=$(command -v llvm-symbolizer) "build/fuzz/tests/fuzz/fuzz_$name" -max_total_time=15 \
+      -max_len=4096 -timeout=10 -rss_limit_mb=2048 -verbosity=0 -print_final_stats=0 \
+      -artifact_prefix="build/fuzz/findings/$name-" "build/fuzz/learnt/$name" "$folder" || failed=1
+  done
+  return $failed
 }
 
 passed=0

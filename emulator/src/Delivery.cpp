@@ -53,7 +53,7 @@ std::string httpText(EmulatorResponse response, std::ptrdiff_t contentLengthErro
   const auto length = static_cast<std::ptrdiff_t>(response.body.size()) + contentLengthError;
   headers.emplace_back("Content-Length", std::to_string(std::max<std::ptrdiff_t>(length, 0)));
   std::string text = "HTTP/1.1 " + std::to_string(response.status) + " " + reasonPhrase(response.status) + "\r\n";
-  for (const auto& [name, value] : headers) text += name + ": " + value + "\r\n";
+  for (const auto& [name, value] : headers) text.append(name).append(": ").append(value).append("\r\n");
   return text + "\r\n" + response.body;
 }
 

@@ -54,8 +54,10 @@ TokenManager::TokenManager(Private, const boost::asio::any_io_executor& executor
 /// Runs `step(manager, call)` on the strand and suspends the caller until the call is ended.
 template <class Step>
 boost::asio::awaitable<TokenManager::Token> TokenManager::enter(std::shared_ptr<TokenManager> self, Step step) {
-  return suspend<Token>([self = std::move(self), step = std::move(step)](std::unique_ptr<Waiter<Token>> waiter,
-                                                                         boost::asio::cancellation_slot slot) mutable {
+  // Asked for here, since what an initiation throws is lost.
+  auto strand = self->strand_->executor();
+  return suspend<Token>([strand = std::move(strand), self = std::move(self), step = std::move(step)](
+                            std::unique_ptr<Waiter<Token>> waiter, boost::asio::cancellation_slot slot) mutable {
     auto call = std::make_shared<Call>();
     call->waiter = std::move(waiter);
     if (slot.is_connected()) {
@@ -64,7 +66,6 @@ boost::asio::awaitable<TokenManager::Token> TokenManager::enter(std::shared_ptr<
         if (const auto manager = weakSelf.lock()) manager->cancelLater(weakCall);
       });
     }
-    const auto strand = self->strand_->executor();
     boost::asio::post(strand, [self = std::move(self), call = std::move(call), step = std::move(step)]() mutable {
       step(*self, call);
     });

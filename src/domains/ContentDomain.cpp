@@ -26,7 +26,8 @@ awaitable<NewPostDto> ContentDomain::post(PostId postId) {
 awaitable<void> ContentDomain::deleteMyPost() { return fire<void>(weakClient(), Endpoint::delete_("/content/posts")); }
 
 awaitable<PostDto> ContentDomain::updateCaption(std::string caption) {
-  return fire<PostDto>(weakClient(), Endpoint::patch("/content/posts/caption").json(CaptionDto(caption)));
+  const CaptionDto body{std::move(caption)};
+  return fire<PostDto>(weakClient(), Endpoint::patch("/content/posts/caption").json(body));
 }
 
 awaitable<PostDto> ContentDomain::updateVisibility(PostVisibilityDto visibility) {

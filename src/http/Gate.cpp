@@ -22,13 +22,14 @@ void Gate::open() {
 
 asio::awaitable<void> Gate::wait(std::shared_ptr<Gate> gate) {
   co_await acceptAllCancellation();
-  const auto start = [](auto handler, Gate* self) {
+  // Holds the gate itself: once the timer waits, another thread may resume the coroutine and drop its own.
+  const auto start = [](auto handler, std::shared_ptr<Gate> self) {
     const std::scoped_lock lock(self->mutex_);
     self->timer_.async_wait(std::move(handler));
   };
   boost::system::error_code ended;
   auto token = asio::redirect_error(asio::use_awaitable, ended);
-  co_await asio::async_initiate<decltype(token), void(boost::system::error_code)>(start, token, gate.get());
+  co_await asio::async_initiate<decltype(token), void(boost::system::error_code)>(start, token, gate);
   const asio::cancellation_state state = co_await asio::this_coro::cancellation_state;
   if (state.cancelled() != asio::cancellation_type::none) throwCancelled();
 }

@@ -58,10 +58,6 @@ HTTPHeaders mergedHeaders(const HTTPRequest& request, const HTTPHeaders& default
   return headers;
 }
 
-bool haveOneOrigin(const URL& a, const URL& b) {
-  return a.scheme() == b.scheme() && a.host() == b.host() && a.port() == b.port();
-}
-
 }  // namespace
 
 PreparedRequest prepared(const HTTPRequest& request, const RequestDefaults& defaults) {
@@ -74,7 +70,7 @@ PreparedRequest prepared(const HTTPRequest& request, const RequestDefaults& defa
   transfer.timeout = request.timeout;
   transfer.maxRedirects = request.maxRedirects.value_or(defaults.maxRedirects);
   if (request.isAbsolute() && defaults.baseURL && transfer.headers.value("Authorization") &&
-      !haveOneOrigin(result.url, *defaults.baseURL)) {
+      !result.url.hasSameOrigin(*defaults.baseURL)) {
     refuse("a client's Authorization is for its own server only");
   }
   return result;

@@ -11,10 +11,6 @@ RedirectStep failed(HTTPError::Kind kind, const HTTPResponse& response, std::str
   return step;
 }
 
-bool sameOrigin(const URL& left, const URL& right) {
-  return left.scheme() == right.scheme() && left.host() == right.host() && left.port() == right.port();
-}
-
 }  // namespace
 
 RedirectStep nextStep(const TransferRequest& request, const HTTPResponse& response,
@@ -34,7 +30,7 @@ RedirectStep nextStep(const TransferRequest& request, const HTTPResponse& respon
 
 void redirect(TransferRequest& request, const URL& destination) {
   const auto origin = URL::parse(request.url);
-  if (!origin || !sameOrigin(*origin, destination)) {
+  if (!origin || !origin->hasSameOrigin(destination)) {
     request.headers = HTTPHeaders();
     request.body = HTTPBody();
   }

@@ -1,11 +1,11 @@
 #include "json/JSONReader.hpp"
+#include "json/NestingDepth.hpp"
 
 #include <zvapikit/json/JSONDecoder.hpp>
 
 namespace ZAK {
 namespace {
 
-constexpr std::size_t maximumDepth = 512;
 /// Above this a parser is not kept for the next body.
 constexpr std::size_t retainedCapacity = std::size_t{1} << 20;
 
@@ -25,11 +25,13 @@ class Parser {
   Parser& operator=(const Parser&) = delete;
 
   simdjson::dom::element parse(std::string_view text, std::size_t padding) {
+    // The parser counts the body as a level and an empty array or object as none. So at this depth it takes every body
+    // within the limit but those that fill it with a value at the bottom, which are counted and tried once more.
     simdjson::dom::element root;
-    simdjson::error_code error = simdjson::SUCCESS;
-    // The parser counts a scalar at the bottom as a level.
-    if (parser_.max_depth() != maximumDepth + 1) error = parser_.allocate(0, maximumDepth + 1);
-    if (!error) error = parser_.parse(text.data(), text.size(), padding < simdjson::SIMDJSON_PADDING).get(root);
+    simdjson::error_code error = parse(text, padding, detail::maximumNesting, root);
+    if (error == simdjson::DEPTH_ERROR && detail::nestingDepth(text) <= detail::maximumNesting) {
+      error = parse(text, padding, detail::maximumNesting + 1, root);
+    }
     if (error == simdjson::MEMALLOC) throw std::bad_alloc();
     if (error) {
       throw DecodingError(DecodingError::Kind::dataCorrupted, {}, "The given data was not valid JSON.",
@@ -39,6 +41,14 @@ class Parser {
   }
 
  private:
+  simdjson::error_code parse(std::string_view text, std::size_t padding, std::size_t depth,
+                             simdjson::dom::element& root) {
+    if (parser_.max_depth() != depth) {
+      if (const auto error = parser_.allocate(parser_.capacity(), depth)) return error;
+    }
+    return parser_.parse(text.data(), text.size(), padding < simdjson::SIMDJSON_PADDING).get(root);
+  }
+
   static thread_local simdjson::dom::parser shared;
   static thread_local bool busy;
 

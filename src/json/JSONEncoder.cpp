@@ -151,7 +151,7 @@ void JSONOutput::writeDate(Date date) {
     return;
   }
   const std::string text = JavaScriptISO8601DateFormatter::string(date);
-  if (!JavaScriptISO8601DateFormatter::fractional(text)) fail("The date is outside the years 1 to 9999.");
+  if (text.empty()) fail("The date is outside the years 1 to 9999.");
   writeString(text);
 }
 

@@ -1,3 +1,5 @@
+#include "json/NestingDepth.hpp"
+
 #include <zvapikit/json/JSONPrinting.hpp>
 
 #include <nlohmann/json.hpp>
@@ -11,29 +13,7 @@ namespace {
 
 using Tree = nlohmann::json;
 
-constexpr int maximumDepth = 512;
 constexpr std::string_view invalid = "The given data was not valid JSON.";
-
-/// Deepest nesting of brackets outside of strings. Counted beforehand, since the tree is written by recursion.
-int depth(std::string_view text) noexcept {
-  int current = 0;
-  int deepest = 0;
-  bool inString = false;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i];
-    if (inString) {
-      if (c == '\\') ++i;
-      if (c == '"') inString = false;
-    } else if (c == '"') {
-      inString = true;
-    } else if (c == '{' || c == '[') {
-      deepest = std::max(deepest, ++current);
-    } else if (c == '}' || c == ']') {
-      --current;
-    }
-  }
-  return deepest;
-}
 
 void redact(Tree& tree) {
   constexpr std::array<std::string_view, 5> secrets = {"access_token", "refresh_token", "token", "firebase_token",
@@ -55,13 +35,20 @@ void redact(Tree& tree) {
 
 std::string prettyPrinted(std::string_view body, JSONPrinting printing) {
   if (!simdjson::validate_utf8(body)) return "-";
-  if (depth(body) > maximumDepth) return "The JSON is nested too deeply.";
+  // Counted beforehand, since the tree is written by recursion.
+  if (detail::nestingDepth(body) > detail::maximumNesting) return "The JSON is nested too deeply.";
   try {
     Tree tree = Tree::parse(body);
     if (printing == JSONPrinting::redacted) redact(tree);
     return tree.dump(2);
   } catch (const nlohmann::json::exception& error) {
-    return printing == JSONPrinting::redacted ? std::string(invalid) : error.what();
+    if (printing == JSONPrinting::redacted) return std::string(invalid);
+    std::string text = error.what();
+    // The parser may have stopped in the middle of a character.
+    if (!simdjson::validate_utf8(text))
+      std::replace_if(
+          text.begin(), text.end(), [](char c) { return c < 0; }, '?');
+    return text;
   }
 }
 

@@ -62,6 +62,28 @@ Words expected(const JSONType& type, JSONDateStrategy dates) {
   }
 }
 
+/// Compares keys of a few bytes without a call, which is what most of the work on an object's fields would else be.
+bool equal(std::string_view left, std::string_view right) noexcept {
+  if (left.size() != right.size()) return false;
+  const std::size_t size = left.size();
+  const auto differ = [&]<class Word>(Word, std::size_t position) {
+    Word a, b;
+    std::memcpy(&a, left.data() + position, sizeof a);
+    std::memcpy(&b, right.data() + position, sizeof b);
+    return a != b;
+  };
+  // The last word overlaps the one before it where the size is no multiple.
+  if (size >= 8) {
+    for (std::size_t i = 0; i + 8 < size; i += 8) {
+      if (differ(std::uint64_t{}, i)) return false;
+    }
+    return !differ(std::uint64_t{}, size - 8);
+  }
+  if (size >= 4) return !differ(std::uint32_t{}, 0) && !differ(std::uint32_t{}, size - 4);
+  return size == 0 ||
+         (left.front() == right.front() && left[size / 2] == right[size / 2] && left.back() == right.back());
+}
+
 template <class Integer>
 bool store(std::int64_t number, void* value) noexcept {
   const auto narrowed = static_cast<Integer>(number);
@@ -69,10 +91,7 @@ bool store(std::int64_t number, void* value) noexcept {
   return narrowed == number;
 }
 
-std::string numberText(element number) {
-  std::string text = simdjson::minify(number);
-  return text;
-}
+std::string numberText(element number) { return simdjson::minify(number); }
 
 }  // namespace
 
@@ -146,16 +165,15 @@ bool JSONReader::read(const JSONType& type, element value, void* out) {
 }
 
 bool JSONReader::readInteger(const JSONType& type, element value, void* out) {
-  if (!value.is_number()) return failMismatch(type, value);
   std::int64_t number = 0;
-  bool fits = false;
-  if (double fraction; value.is_double()) {
+  bool fits = !value.get_int64().get(number);
+  if (!fits && !value.is_number()) return failMismatch(type, value);
+  if (value.type() == element_type::DOUBLE) {
     constexpr double limit = 9223372036854775808.0;  // 2^63
+    double fraction;
     fits =
         !value.get_double().get(fraction) && fraction >= -limit && fraction < limit && std::trunc(fraction) == fraction;
     if (fits) number = static_cast<std::int64_t>(fraction);
-  } else {
-    fits = !value.get_int64().get(number);
   }
   if (fits) fits = type.size == 4 ? store<std::int32_t>(number, out) : store<std::int64_t>(number, out);
   if (fits) return true;
@@ -187,7 +205,8 @@ bool JSONReader::readRawValue(const JSONType& type, element value, void* out) {
   if (match == end && type.lastByDefault) --match;
   if (match == end) {
     return failCorrupted([&] {
-      constexpr std::size_t quoted = 64;
+      std::size_t quoted = std::min<std::size_t>(text.size(), 64);
+      while (quoted < text.size() && (text[quoted] & 0xC0) == 0x80) --quoted;  // not in the middle of a character
       return "Cannot initialize " + std::string(type.name) + " from invalid String value " +
              std::string(text.substr(0, quoted));
     });
@@ -240,7 +259,7 @@ bool JSONReader::readAsTheyArrive(const JSONType& type, simdjson::dom::object ob
     std::size_t tried = 0;
     for (; tried < count; ++tried, ++i) {
       if (i == count) i = 0;
-      if (fields[i].key == key) break;
+      if (equal(fields[i].key, key)) break;
     }
     if (tried == count) continue;
     guess = i + 1;
@@ -308,8 +327,8 @@ Date JSONValue::now() const {
   return now ? now() : std::chrono::floor<Date::duration>(std::chrono::system_clock::now());
 }
 
-void JSONValue::fail(std::string debugDescription) const {
-  throw DecodingError(DecodingError::Kind::dataCorrupted, node_->reader.path(), std::move(debugDescription));
+void JSONValue::fail(std::string debugDescription, DecodingError::Kind kind) const {
+  throw DecodingError(kind, node_->reader.path(), std::move(debugDescription));
 }
 
 void JSONValue::read(const JSONType& type, void* result) const {

@@ -11,6 +11,13 @@ using std::chrono::milliseconds;
 
 constexpr std::size_t secondsEnd = 19;  // of YYYY-MM-DDThh:mm:ss
 
+/// True for what has a text, once rounded to the millisecond.
+constexpr bool hasText(Date date) noexcept {
+  constexpr Date first = std::chrono::sys_days(std::chrono::year(1) / 1 / 1);
+  constexpr Date end = std::chrono::sys_days(std::chrono::year(10000) / 1 / 1);
+  return date >= first && date < end - std::chrono::microseconds(500);
+}
+
 constexpr bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
 
 /// The number written by `count` digits at `position`; -1 when one of them is no digit. The text is long enough.
@@ -67,7 +74,8 @@ std::optional<Date> instant(std::string_view text, std::size_t end, milliseconds
   const std::optional<std::chrono::minutes> distance = offset(text.substr(end));
   if (!local || !distance) return std::nullopt;
   if (text[11] == '2' && text[12] == '4' && fraction.count() != 0) return std::nullopt;
-  return *local + fraction - *distance;
+  const Date result = *local + fraction - *distance;
+  return hasText(result) ? std::optional(result) : std::nullopt;
 }
 
 /// Appends a number of at least `digits` digits.
@@ -105,18 +113,15 @@ std::optional<Date> JavaScriptISO8601DateFormatter::date(std::string_view text) 
 }
 
 std::string JavaScriptISO8601DateFormatter::string(Date date) {
-  // In two steps, since adding half a millisecond to the last instant there is would overflow.
-  auto rounded = floor<milliseconds>(date);
-  if (date - rounded >= std::chrono::microseconds(500)) rounded += milliseconds(1);
+  if (!hasText(date)) return {};
+  const auto rounded = floor<milliseconds>(date + std::chrono::microseconds(500));
   const auto day = floor<days>(rounded);
   const std::chrono::year_month_day ymd{day};
-  const int year = int(ymd.year());
   const long long ofDay = (rounded - day).count();
 
   std::string text;
   text.reserve(24);
-  if (year < 0) text += '-';
-  append(text, year < 0 ? -year : year, 4);
+  append(text, int(ymd.year()), 4);
   text += '-';
   append(text, unsigned(ymd.month()), 2);
   text += '-';

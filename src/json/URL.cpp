@@ -92,6 +92,8 @@ bool isPlainHTTPS(std::string_view text) noexcept {
   constexpr std::string_view prefix = "https://";
   if (!text.starts_with(prefix)) return false;
   std::size_t i = prefix.size();
+  // What begins like an address is left to the parser: it takes 1.2.3.4 for the host of https://1.2.3.4x/.
+  if (i < text.size() && text[i] >= '0' && text[i] <= '9') return false;
   while (i < text.size() && isA(inHost, text[i])) ++i;
   if (i == prefix.size() || i == text.size() || text[i] != '/') return false;
   while (i < text.size() && (isA(inPath, text[i]) || isEscape(text, i))) ++i;
@@ -102,8 +104,14 @@ bool isPlainHTTPS(std::string_view text) noexcept {
 }
 
 bool isValid(std::string_view text) {
+  // A scheme and an empty query or fragment mean nothing, and the parser's debug build ends the process over them.
+  const std::size_t start = pathStart(text);
+  if (start > 0 && start + 1 == text.size() && (text[start] == '?' || text[start] == '#')) return false;
   const auto parsed = urls::parse_uri_reference({text.data(), text.size()});
   if (!parsed) return false;
+  // The parser ends an authority at the first character that does not fit, and takes the rest for the path.
+  const auto path = parsed->encoded_path();
+  if (parsed->has_authority() && !path.empty() && path.front() != '/') return false;
   if (parsed->has_port() && !parsed->port().empty()) {
     const auto digits = parsed->port();
     const std::size_t significant = std::min(digits.find_first_not_of('0'), digits.size());
@@ -156,6 +164,10 @@ std::string URL::pathExtension() const {
 
 std::string_view URL::withoutQuery() const noexcept {
   return std::string_view(text_).substr(0, text_.find_first_of("?#"));
+}
+
+bool URL::hasSameOrigin(const URL& other) const {
+  return scheme() == other.scheme() && host() == other.host() && port() == other.port();
 }
 
 }  // namespace ZAK

@@ -4,10 +4,10 @@
 #include <zvapikit/keychain/FileKeychain.hpp>
 #include <zvapikit/platform/Directories.hpp>
 
-#include <climits>
 #include <openssl/evp.h>
 
 #include <array>
+#include <climits>
 #include <cstdint>
 
 namespace ZAK {

@@ -48,8 +48,9 @@ class HTTPClient : public std::enable_shared_from_this<HTTPClient> {
   /// Lifetime: everything is taken by value, and the call keeps the client alive once it was awaited.
   /// Cancellation of any type ends the transfer or the wait at once with `boost::system::system_error` of
   /// `operation_aborted`, also when the server may already have acted on the request.
-  /// A request that cannot be sent (no valid URL, not https, a header that holds CR, LF or NUL, a variable that climbs
-  /// the path) ends with an error of kind `invalidRequest` and reaches neither delegate nor validators.
+  /// A request that cannot be sent (no valid URL, not https, credentials in the URL, a header that holds CR, LF or NUL,
+  /// a variable that climbs the path) ends with an error of kind `invalidRequest` and reaches neither delegate nor
+  /// validators. So does one with an Authorization header to another origin than the base URL's.
   boost::asio::awaitable<HTTPResponse> fetch(HTTPRequest request);
 
  private:

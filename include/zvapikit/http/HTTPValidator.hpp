@@ -20,7 +20,8 @@ class HTTPValidatorResult {
 
   /// Hand the response on to the next validator.
   static HTTPValidatorResult next() { return HTTPValidatorResult(Next{}); }
-  /// End the chain: the call fails with an `HTTPError` whose underlying error is this one.
+  /// End the chain: the call fails with an `HTTPError` whose underlying error is this one, or with this one itself when
+  /// it is an `HTTPError`.
   static HTTPValidatorResult fail(std::shared_ptr<const std::exception> error) {
     return HTTPValidatorResult(Fail{std::move(error)});
   }
@@ -45,7 +46,8 @@ class HTTPValidatorResult {
 class HTTPValidator {
  public:
   virtual ~HTTPValidator() = default;
-  /// `response.error` is set when the attempt failed or its status is outside 2xx. Must not block.
+  /// `response.error` is set when the attempt failed or its status is outside 2xx. Must not block. An exception
+  /// ends the call as it is.
   virtual HTTPValidatorResult validate(const HTTPResponse& response, const HTTPRequest& request) = 0;
 };
 

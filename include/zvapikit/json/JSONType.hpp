@@ -200,15 +200,17 @@ consteval JSONType recordType() {
 }
 
 template <class T>
-struct JSONTypeOf {
-  static consteval JSONType make() {
-    if constexpr (JSONRecord<T> || (JSONSelfDecoding<T> && JSONSelfEncoding<T>)) {
-      return recordType<T>();
-    } else {
-      return scalarType<T>();
-    }
+consteval JSONType plainType() {
+  if constexpr (JSONRecord<T> || (JSONSelfDecoding<T> && JSONSelfEncoding<T>)) {
+    return recordType<T>();
+  } else {
+    return scalarType<T>();
   }
-  static constexpr JSONType value = make();
+}
+
+template <class T>
+struct JSONTypeOf {
+  static constexpr JSONType value = plainType<T>();
 };
 
 template <class T>

@@ -11,8 +11,8 @@ namespace ZAK {
 /// Reads and writes instants as ISO 8601 internet date-times of the years 0001 to 9999.
 ///
 /// Read: `YYYY-MM-DDThh:mm:ss`, a fraction of 1 to 9 digits where one is asked for (cut off at the millisecond), then
-/// `Z`, `z`, `±hh:mm`, `±hhmm` or `±hh`. `24:00:00` is the next day's midnight. Everything else, impossible days and
-/// surrounding text included, is refused.
+/// `Z`, `z`, `±hh:mm`, `±hhmm` or `±hh`. `24:00:00` is the next day's midnight. Everything else, impossible days,
+/// surrounding text and instants outside these years in UTC included, is refused.
 ///
 /// Thread safety: no state.
 class JavaScriptISO8601DateFormatter {
@@ -24,8 +24,8 @@ class JavaScriptISO8601DateFormatter {
   /// With or without a fraction.
   [[nodiscard]] static std::optional<Date> date(std::string_view text) noexcept;
 
-  /// `2023-04-05T17:09:12.345Z`: UTC, rounded half up to the millisecond. Of a date outside the years 0001 to 9999 the
-  /// text is no date that can be read back.
+  /// `2023-04-05T17:09:12.345Z`: UTC, rounded half up to the millisecond. Empty for a date outside the years 0001 to
+  /// 9999.
   [[nodiscard]] static std::string string(Date date);
 };
 

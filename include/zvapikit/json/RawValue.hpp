@@ -11,6 +11,8 @@ namespace ZAK {
 /// One case of an enumeration with its text in JSON.
 template <class E>
 struct RawCase {
+  constexpr RawCase(E value_, std::string_view rawValue_) noexcept : value(value_), rawValue(rawValue_) {}
+
   E value;
   std::string_view rawValue;
 };

@@ -34,6 +34,9 @@ class URL {
   /// Everything before the `?`, or the `#` when there is no query.
   [[nodiscard]] std::string_view withoutQuery() const noexcept;
 
+  /// True when scheme, host and port are the same (RFC 6454).
+  [[nodiscard]] bool hasSameOrigin(const URL& other) const;
+
   bool operator==(const URL&) const = default;
 
  private:

@@ -1,0 +1,85 @@
+#include "support/RecordChecks.hpp"
+#include "support/Samples.hpp"
+
+#include <zvapikit/auth/TokenDto.hpp>
+#include <zvapikit/auth/TokenRequestDto.hpp>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace ZAK {
+namespace {
+
+using nlohmann::json;
+
+const Date now(std::chrono::microseconds(1680714552345678));
+const JSONDecoder decoder(JSONDateStrategy::javaScriptISO8601, [] { return now; });
+
+json with(json sample, const char* key, json value) {
+  sample[key] = std::move(value);
+  return sample;
+}
+
+json without(json sample, const char* key) {
+  sample.erase(key);
+  return sample;
+}
+
+TEST(TokenDto, TakesItsExpiryFromTheDateOrElseFromTheSpan) {
+  const json sample = test::sample("TokenDto");
+  const json spanned = without(sample, "expires_date");
+  const auto expiry = [](const json& body) { return decoder.decode<TokenDto>(body.dump()).expiresDate; };
+  const Date date(std::chrono::seconds(1680717600));  // 2023-04-05T18:00:00Z
+  EXPECT_EQ(expiry(sample), date);
+  EXPECT_EQ(expiry(with(sample, "expires_in", "not looked at")), date);
+  EXPECT_EQ(expiry(with(spanned, "expires_in", 3600)), now + std::chrono::hours(1));
+  EXPECT_EQ(expiry(with(with(sample, "expires_date", nullptr), "expires_in", -60.0)), now - std::chrono::minutes(1));
+  for (const json& span : {json(INT64_MAX), json(INT64_MIN), json(6300000000001), json(1.5), json("3600")}) {
+    EXPECT_THROW(expiry(with(spanned, "expires_in", span)), DecodingError) << span;
+  }
+  EXPECT_NO_THROW(expiry(with(spanned, "expires_in", 6300000000000)));
+}
+
+TEST(TokenDto, RequiresItsFieldsInItsOwnOrder) {
+  const json sample = test::sample("TokenDto");
+  const DecodingError error = test::decodingError<TokenDto>(without(sample, "expires_date").dump());
+  EXPECT_EQ(error.kind(), DecodingError::Kind::keyNotFound);
+  EXPECT_EQ(error.key(), "expiresIn");
+  EXPECT_EQ(error.codingPath(), (std::vector<CodingKey>{"expiresIn", "expiresDate"}));
+  EXPECT_EQ(error.debugDescription(), "Missing key : expiresIn or expiresDate should exists");
+
+  json body = json::object();
+  for (const char* key : {"token_type", "access_token", "refresh_token", "scope"}) {
+    EXPECT_EQ(test::decodingError<TokenDto>(body.dump()).key(), key);
+    EXPECT_EQ(test::decodingError<TokenDto>(with(sample, key, 5).dump()).kind(), DecodingError::Kind::typeMismatch);
+    EXPECT_EQ(test::decodingError<TokenDto>(with(sample, key, nullptr).dump()).codingPath(),
+              std::vector<CodingKey>{key});
+    body[key] = "x";
+  }
+  EXPECT_EQ(test::decodingError<TokenDto>(with(sample, "firebase_token", 5).dump()).kind(),
+            DecodingError::Kind::typeMismatch);
+}
+
+TEST(TokenDto, IsWrittenInFullAndReadBackEqual) {
+  const TokenDto token("Bearer", "access-1", now, "refresh-1", "all", std::nullopt);
+  const JSONDateStrategy seconds = JSONDateStrategy::secondsSince2001;
+  const std::string stored = JSONEncoder(seconds).encode(token);
+  EXPECT_EQ(stored, R"({"token_type":"Bearer","access_token":"access-1","refresh_token":"refresh-1","scope":"all",)"
+                    R"("firebase_token":null,"expires_date":702407352.345678})");
+  EXPECT_EQ(JSONDecoder(seconds).decode<TokenDto>(stored), token);
+  EXPECT_EQ(json::parse(JSONEncoder().encode(decoder.decode<TokenDto>(test::sample("TokenDto").dump()))),
+            test::sample("TokenDto"));
+}
+
+TEST(TokenRequestDto, Record) {
+  test::checkRecord<TokenRequestDto>(test::sample("TokenRequestDto"), {"grant_type", "client_id", "client_secret"});
+  EXPECT_EQ(test::decodingError<TokenRequestDto>(with(test::sample("TokenRequestDto"), "grant_type", "refresh").dump())
+                .kind(),
+            DecodingError::Kind::dataCorrupted);
+  EXPECT_EQ(JSONEncoder().encode(TokenRequestDto(TokenRequestDto::GrantType::refresh, "app", "secret", "r", {})),
+            R"({"grant_type":"refresh_token","client_id":"app","client_secret":"secret","refresh_token":"r"})");
+}
+
+}  // namespace
+}  // namespace ZAK

@@ -1,0 +1,110 @@
+#include <zvapikit/json/URL.hpp>
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+
+namespace ZAK {
+namespace {
+
+TEST(URL, KeepsWhatIsValidEscapesWhatIsNotLegalAndRefusesTheRest) {
+  struct {
+    const char* text;
+    const char* expected;  // null: refused
+  } const cases[] = {
+      // Kept byte for byte, since a signature may cover it.
+      {"https://cdn.example/a/b.webp", "https://cdn.example/a/b.webp"},
+      {"https://h.example/p%2Fq?X-Signature=a%2bc&n=%C3%A9&empty=&u=a/b?c:d@e",
+       "https://h.example/p%2Fq?X-Signature=a%2bc&n=%C3%A9&empty=&u=a/b?c:d@e"},
+      {"https://h.example/a/../b/./c//d", "https://h.example/a/../b/./c//d"},
+      {"HTTPS://H.Example:8443/a#f?g", "HTTPS://H.Example:8443/a#f?g"},
+      {"https://user:secret@[::1]:80/", "https://user:secret@[::1]:80/"},
+      {"https://h.example", "https://h.example"},
+      {"https://h.example:65535/", "https://h.example:65535/"},
+      {"https://h.example:/", "https://h.example:/"},
+      {"mailto:a@b.example", "mailto:a@b.example"},
+      {"a/b.jpg?x=1", "a/b.jpg?x=1"},
+      {"/a:b", "/a:b"},
+      {"?q", "?q"},
+      // Escaped.
+      {"https://h.example/a b\"<>\\^`{|}é", "https://h.example/a%20b%22%3C%3E%5C%5E%60%7B%7C%7D%C3%A9"},
+      {"https://h.example/a[1]?b[2]#c[3]", "https://h.example/a%5B1%5D?b%5B2%5D#c%5B3%5D"},
+      {"https://h.example/100%/%zz/%4", "https://h.example/100%25/%25zz/%254"},
+      {"https://h.example/a#b#c", "https://h.example/a#b%23c"},
+      {"https://h.example/\n\r\t", "https://h.example/%0A%0D%09"},
+      {"a b", "a%20b"},
+      // Refused.
+      {"", nullptr},
+      {"https://", nullptr},
+      {"https:///path", nullptr},
+      {"https://a b/", nullptr},
+      {"https://h.exämple/", nullptr},
+      {"https://h.example:port/", nullptr},
+      {"https://h.example:65536/", nullptr},
+      {"https://h.example:000000000000000000065536/", nullptr},
+      {"https://[::1/", nullptr},
+      {"https://[::1]x/", nullptr},
+      {"https://h.example:80:80/", nullptr},
+      {"//h.example:8a", nullptr},
+      {"1https://h.example/", nullptr},
+      {"ht tps://h.example/", nullptr},
+      {"://h.example/", nullptr},
+  };
+  for (const auto& [text, expected] : cases) {
+    const std::optional<URL> url = URL::parse(text);
+    EXPECT_EQ(url ? url->string() : "refused", expected ? expected : "refused") << text;
+  }
+  EXPECT_FALSE(URL::parse(std::string_view("https://h.example\0.other/", 25)));
+}
+
+TEST(URL, TellsItsParts) {
+  struct {
+    const char* text;
+    const char* scheme;
+    const char* host;
+    std::optional<int> port;
+    const char* path;
+    const char* withoutQuery;
+  } const cases[] = {
+      {"HTTPS://User@H.Example:8443/a%20b?c#d", "https", "h.example", 8443, "/a%20b",
+       "HTTPS://User@H.Example:8443/a%20b"},
+      {"https://h.example", "https", "h.example", 443, "", "https://h.example"},
+      {"http://[::1]:/a#b?c", "http", "::1", 80, "/a", "http://[::1]:/a"},
+      {"ftp://h.example/a", "ftp", "h.example", std::nullopt, "/a", "ftp://h.example/a"},
+      {"a/b?c", "", "", std::nullopt, "a/b", "a/b"},
+  };
+  for (const auto& expected : cases) {
+    const URL url = URL::parse(expected.text).value();
+    EXPECT_EQ(url.scheme(), expected.scheme) << expected.text;
+    EXPECT_EQ(url.host(), expected.host) << expected.text;
+    EXPECT_EQ(url.port(), expected.port) << expected.text;
+    EXPECT_EQ(url.path(), expected.path) << expected.text;
+    EXPECT_EQ(url.withoutQuery(), expected.withoutQuery) << expected.text;
+  }
+  EXPECT_TRUE(URL().empty());
+  EXPECT_EQ(URL().host(), "");
+  EXPECT_EQ(URL().pathExtension(), "");
+}
+
+TEST(URL, PathExtension) {
+  struct {
+    const char* text;
+    const char* extension;
+  } const cases[] = {
+      {"https://h.example/v.mp4?x=1.z", "mp4"},
+      {"v.mp4#a.b", "mp4"},
+      {"a.tar.gz", "gz"},
+      {"/.mp4", ""},
+      {"v.", ""},
+      {"a.b/c", ""},
+      {"v.m%704", "mp4"},
+      {"v%2Emov", "mov"},
+      {"v.a%2Fb", ""},
+      {"https://h.example", ""},
+  };
+  for (const auto& [text, extension] : cases) EXPECT_EQ(URL::parse(text).value().pathExtension(), extension) << text;
+}
+
+}  // namespace
+}  // namespace ZAK
