@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <charconv>
+#include <cstdint>
 
 namespace ZAK {
 namespace {
@@ -114,8 +116,8 @@ bool isValid(std::string_view text) {
   if (parsed->has_authority() && !path.empty() && path.front() != '/') return false;
   if (parsed->has_port() && !parsed->port().empty()) {
     const auto digits = parsed->port();
-    const std::size_t significant = std::min(digits.find_first_not_of('0'), digits.size());
-    if (digits.size() - significant > 5 || std::stoi("0" + std::string(digits)) > 65535) return false;
+    std::uint16_t number = 0;
+    if (std::from_chars(digits.data(), digits.data() + digits.size(), number).ec != std::errc()) return false;
   }
   const urls::scheme scheme = parsed->scheme_id();
   const bool needsHost = scheme == urls::scheme::http || scheme == urls::scheme::https;
