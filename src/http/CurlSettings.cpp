@@ -3,7 +3,8 @@
 #include <openssl/ssl.h>
 
 #include <algorithm>
-#include <new>
+#include <cstring>
+#include <initializer_list>
 #include <string_view>
 #include <utility>
 
@@ -39,6 +40,15 @@ std::string port(int number) { return number == 0 ? std::string() : std::to_stri
 
 std::string bracketed(const std::string& host) {
   return host.find(':') != std::string::npos && host.front() != '[' ? '[' + host + ']' : host;
+}
+
+/// Joins the parts to a string behind the others, ended by a NUL. A part with a NUL of its own is cut there.
+void append(std::vector<char>& strings, std::initializer_list<std::string_view> parts) {
+  for (const std::string_view part : parts) {
+    const std::string_view kept = part.substr(0, part.find('\0'));
+    strings.insert(strings.end(), kept.begin(), kept.end());
+  }
+  strings.push_back('\0');
 }
 
 bool isBlank(std::string_view text) { return text.find_first_not_of(" \t") == std::string_view::npos; }
@@ -90,11 +100,14 @@ void setMethod(Setter& set, const TransferRequest& request) {
 
 }  // namespace
 
-void CurlList::add(const std::string& text) {
-  curl_slist* longer = curl_slist_append(list_.get(), text.c_str());
-  if (longer == nullptr) throw std::bad_alloc();
-  static_cast<void>(list_.release());
-  list_.reset(longer);
+CurlList::CurlList(std::vector<char> strings) : strings_(std::move(strings)) {
+  constexpr std::size_t usualCount = 16;
+  nodes_.reserve(usualCount);
+  char* const end = strings_.data() + strings_.size();
+  for (char* string = strings_.data(); string != end; string += std::strlen(string) + 1) {
+    nodes_.push_back({string, nullptr});
+  }
+  for (std::size_t i = 1; i < nodes_.size(); ++i) nodes_[i - 1].next = &nodes_[i];
 }
 
 CurlSettings::CurlSettings(TransportOptions options_) : options(std::move(options_)) {
@@ -104,22 +117,30 @@ CurlSettings::CurlSettings(TransportOptions options_) : options(std::move(option
   } else if (systemFile != nullptr) {
     caFile = systemFile;
   }
+  std::vector<char> entries;
   for (const auto& entry : options.connectTo) {
-    connectTo.add(bracketed(entry.host) + ':' + port(entry.port) + ':' + bracketed(entry.toHost) + ':' +
-                  port(entry.toPort));
+    append(entries,
+           {bracketed(entry.host), ":", port(entry.port), ":", bracketed(entry.toHost), ":", port(entry.toPort)});
   }
+  connectTo = CurlList(std::move(entries));
 }
 
 CurlList headerLines(const TransferRequest& request) {
-  CurlList lines;
+  constexpr std::size_t usualSize = 1024;
+  std::vector<char> lines;
+  lines.reserve(usualSize);
   for (const auto& element : request.headers.elements()) {
     // `name:` would drop the field; `name;` sends it without a value.
-    lines.add(isBlank(element.value) ? element.name + ';' : element.name + ": " + element.value);
+    if (isBlank(element.value)) {
+      append(lines, {element.name, ";"});
+    } else {
+      append(lines, {element.name, ": ", element.value});
+    }
   }
   for (const char* name : {"Accept", "Accept-Encoding", "Expect", "Content-Type"}) {
-    if (!request.headers.value(name)) lines.add(std::string(name) + ':');
+    if (!request.headers.contains(name)) append(lines, {name, ":"});
   }
-  return lines;
+  return CurlList(std::move(lines));
 }
 
 CURLcode configure(CURL* easy, const CurlSettings& settings, const TransferRequest& request, const CurlList& lines) {

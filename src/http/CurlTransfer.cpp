@@ -2,6 +2,8 @@
 
 #include "http/TransferError.hpp"
 
+#include <zvapikit/json/JSONDecoder.hpp>
+
 #include <algorithm>
 
 namespace ZAK {
@@ -121,7 +123,8 @@ bool CurlTransfer::append(std::string_view bytes) {
   if (bodyTooLarge_) return false;
   if (body.empty()) {
     body.reserve(std::min<std::uint64_t>(byteCount(easy_, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T),
-                                         std::min(largestReserve, maximumBodySize_)));
+                                         std::min(largestReserve, maximumBodySize_)) +
+                 JSONBody::wantedPadding);
   }
   body.append(bytes);
   return true;

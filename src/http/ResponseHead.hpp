@@ -25,8 +25,6 @@ class ResponseHead {
   [[nodiscard]] HTTPHeaders takeHeaders() { return std::move(headers_); }
 
  private:
-  void addField(std::string name, std::string value);
-
   HTTPHeaders headers_;
   /// Name of the field that a folded line continues.
   std::string lastName_;

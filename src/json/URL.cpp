@@ -142,7 +142,10 @@ std::optional<URL> URL::parse(std::string_view text) {
   return URL(std::move(whole));
 }
 
-std::string URL::scheme() const { return lowerCase(std::string(view(text_).scheme())); }
+std::string URL::scheme() const {
+  const std::size_t mark = text_.find_first_of(":/?#");
+  return mark != std::string::npos && text_[mark] == ':' ? lowerCase(text_.substr(0, mark)) : std::string();
+}
 
 std::string URL::host() const { return lowerCase(std::string(view(text_).host_address())); }
 
