@@ -1,5 +1,6 @@
 #include "http/ResponseHead.hpp"
 
+#include <algorithm>
 #include <charconv>
 
 namespace ZAK {
@@ -25,6 +26,7 @@ int statusOf(std::string_view line) {
 
 void ResponseHead::add(std::string_view line) {
   started_ = true;
+  size_ += line.size();
   if (line.starts_with("HTTP/")) {
     const int status = statusOf(line);
     inHead_ = status >= 200;
@@ -42,6 +44,17 @@ void ResponseHead::add(std::string_view line) {
   } else if (const auto colon = text.find(':'); colon != std::string_view::npos) {
     addField(std::string(trimmed(text.substr(0, colon))), std::string(trimmed(text.substr(colon + 1))));
   }
+}
+
+bool ResponseHead::contradictsItself() const {
+  const std::string lengths = headers_.value("Content-Length").value_or("");
+  const std::string_view first = std::string_view(lengths).substr(0, lengths.find(','));
+  for (auto comma = first.size(); comma < lengths.size();) {
+    const auto end = std::min(lengths.find(',', comma + 1), lengths.size());
+    if (trimmed(std::string_view(lengths).substr(comma + 1, end - comma - 1)) != first) return true;
+    comma = end;
+  }
+  return false;
 }
 
 void ResponseHead::addField(std::string name, std::string value) {
