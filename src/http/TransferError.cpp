@@ -35,6 +35,7 @@ Verdict handshakeVerdict(long verifyResult, const char* otherwise) {
 }
 
 Verdict verdict(const TransferFailure& failure) {
+  if (failure.headTooLarge) return {Kind::answerTooLarge, "the headers of the answer are too large"};
   if (failure.bodyTooLarge) return {Kind::answerTooLarge, "the answer is too large"};
   switch (failure.code) {
     case CURLE_COULDNT_RESOLVE_HOST:

@@ -43,6 +43,9 @@ struct Replayed {
   int met = 0;
 };
 
+/// The authority that the servers have their certificates from.
+[[nodiscard]] const test::TestAuthority& authority();
+
 /// One exchange of an app, to be made again and again with a server that does to it what the fault says.
 ///
 /// Each time it is checked that the exchange leaves no trace beyond itself: a token that is there stays, one that could
@@ -68,32 +71,39 @@ class Replay {
   Replay(Exchange exchange, Options options);
 
   Replayed run(NetworkFault fault);
+  /// Makes the exchange with a server that answers as it should.
+  Replayed runHealthy();
+
+  /// How often the request is sent while there is nothing of an answer.
+  [[nodiscard]] int attempts() const noexcept;
 
  private:
   class TokenFailures;
 
-  [[nodiscard]] Context context(const Options& options);
+  [[nodiscard]] Context context();
   [[nodiscard]] awaitable<void> call();
   void serve(test::FaultServer::Connection& connection);
-  void signIn();
   void expectNoTrace(const Replayed& replayed, int elsewhere);
 
   const Exchange exchange_;
-  const int maxRetries_;
+  const Options options_;
   std::shared_ptr<Replayed> replayed_ = std::make_shared<Replayed>();
   std::mutex mutex_;
   NetworkFault fault_;
   int met_ = 0;
   test::FaultServer faulty_;
   test::FaultServer healthy_;
-  Kit kit_;
+  Kit kit_{{.redactsSecrets = true}};
   std::shared_ptr<TokenFailures> logger_;
 };
 
 /// The body of the answer that the exchange expects.
 [[nodiscard]] std::string healthyBody(Replay::Exchange exchange);
 
-/// An answer of 200 with a length.
-[[nodiscard]] std::string answered(const std::string& body);
+/// How the end of an answer is told.
+enum class Framing { length, chunks, connection };
+
+/// An answer of 200, after which the connection is not used again.
+[[nodiscard]] std::string answered(const std::string& body, Framing framing = Framing::length);
 
 }  // namespace ZAK::Test

@@ -144,6 +144,19 @@ TEST_F(ExchangeTest, answersEndAsTheyShould) {
        {}},
       {"ends with the connection", sendThen("HTTP/1.1 200 OK\r\n\r\nall", &Connection::finish), 200, "all", {}},
       {"broken gzip", FaultServer::answering(withLength("not packed", encoded)), 200, "", Kind::invalidAnswer},
+      {"gzip twice",
+       FaultServer::answering(withLength(gzip(packed), "Content-Encoding: gzip, gzip\r\n")),
+       200,
+       "plain text",
+       {}},
+      {"gzip twice, told once", FaultServer::answering(withLength(gzip(packed), encoded)), 200, packed, {}},
+      {"gzip six times",
+       FaultServer::answering(withLength(packed, "Content-Encoding: gzip,gzip,gzip,gzip,gzip,gzip\r\n")), 200, "",
+       Kind::invalidAnswer},
+      {"gzip as br", FaultServer::answering(withLength(packed, "Content-Encoding: br\r\n")), 200, "",
+       Kind::invalidAnswer},
+      {"unknown encoding", FaultServer::answering(withLength(packed, "Content-Encoding: rot13\r\n")), 200, "",
+       Kind::invalidAnswer},
       {"length cut short", sendThen(half, &Connection::finish), 200, "12345", Kind::connectionLost},
       {"length cut hard", sendThen(half, &Connection::cut), 200, "12345", Kind::connectionLost},
       {"chunks cut short", sendThen(chunked("12345").substr(0, 55), &Connection::finish), 200, "12345",
@@ -181,6 +194,7 @@ TEST_F(ExchangeTest, bodiesAreBoundAfterDecoding) {
       {chunked(fits), false},
       {chunked(fits + 'x'), true},
       {withLength(bomb, "Content-Encoding: gzip\r\n"), true},
+      {withLength(gzip(bomb), "Content-Encoding: gzip, gzip\r\n"), true},
   };
   for (const auto& [answer, tooLarge] : cases) {
     const FaultServer server(authority().issue(), FaultServer::answering(answer));
