@@ -9,7 +9,7 @@ packages=(
   libboost1.81-dev libcurl4-openssl-dev libssl-dev libsimdjson-dev nlohmann-json3-dev libhowardhinnant-date-dev
   zlib1g-dev tzdata libcli11-dev libsecret-1-dev
   # tests
-  libgtest-dev libgmock-dev nginx-light openssl dbus gnome-keyring libglib2.0-bin
+  libgtest-dev libgmock-dev nginx-light openssl dbus gnome-keyring
   # the wider checks
   clang-19 libclang-rt-19-dev clang-format-14 clang-tidy-14
 )

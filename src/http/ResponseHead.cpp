@@ -1,5 +1,6 @@
 #include "http/ResponseHead.hpp"
 
+#include <algorithm>
 #include <charconv>
 
 namespace ZAK {
@@ -26,6 +27,7 @@ int statusOf(std::string_view line) {
 
 void ResponseHead::add(std::string_view line) {
   started_ = true;
+  size_ += line.size();
   if (line.starts_with("HTTP/")) {
     const int status = statusOf(line);
     inHead_ = status >= 200;
@@ -44,6 +46,17 @@ void ResponseHead::add(std::string_view line) {
     lastName_ = trimmed(text.substr(0, colon));
     headers_.add({lastName_, std::string(trimmed(text.substr(colon + 1)))});
   }
+}
+
+bool ResponseHead::contradictsItself() const {
+  const std::string lengths = headers_.value("Content-Length").value_or("");
+  const std::string_view first = std::string_view(lengths).substr(0, lengths.find(','));
+  for (auto comma = first.size(); comma < lengths.size();) {
+    const auto end = std::min(lengths.find(',', comma + 1), lengths.size());
+    if (trimmed(std::string_view(lengths).substr(comma + 1, end - comma - 1)) != first) return true;
+    comma = end;
+  }
+  return false;
 }
 
 }  // namespace ZAK

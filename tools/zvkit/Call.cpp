@@ -5,7 +5,7 @@
 #include <zvapikit/core/Context.hpp>
 #include <zvapikit/core/FirebaseAuthentifier.hpp>
 #include <zvapikit/core/MobileApiClient.hpp>
-#include <zvapikit/keychain/InMemoryKeychain.hpp>
+#include <zvapikit/keychain/KeychainFactory.hpp>
 
 #include <boost/asio/bind_cancellation_slot.hpp>
 #include <boost/asio/cancellation_signal.hpp>
@@ -53,6 +53,14 @@ nlohmann::json parseArguments(const std::string& text) {
   }
 }
 
+std::shared_ptr<ZAK::Keychain> makeKeychain(const std::string& name) {
+  using Backend = ZAK::KeychainFactory::Backend;
+  if (name == "memory") return ZAK::KeychainFactory::make(Backend::memory);
+  if (name == "file") return ZAK::KeychainFactory::make(Backend::file);
+  if (name == "secret-service") return ZAK::KeychainFactory::make(Backend::secretService);
+  return ZAK::KeychainFactory::shared();
+}
+
 ZAK::Context makeContext(const CallOptions& options, boost::asio::any_io_executor executor) {
   ZAK::Context context;
   context.configuration.environment = *ZAK::fromRawValue<ZAK::Configuration::Environment>(options.environment);
@@ -61,7 +69,7 @@ ZAK::Context makeContext(const CallOptions& options, boost::asio::any_io_executo
   context.executor = std::move(executor);
   if (!options.connectTo.empty()) context.transport.connectTo.push_back(parseConnectTo(options.connectTo));
   if (!options.caFile.empty()) context.transport.caFile = options.caFile;
-  if (options.keychain == "memory") context.keychain = std::make_shared<ZAK::InMemoryKeychain>();
+  context.keychain = makeKeychain(options.keychain);
   return context;
 }
 

@@ -13,7 +13,7 @@ struct CallOptions {
   std::string connectTo;
   std::filesystem::path caFile;
   std::optional<std::string> firebaseToken;
-  std::string keychain = "file";
+  std::string keychain;  ///< empty: where the kit chooses
   bool verbose = false;
 };
 
