@@ -17,8 +17,8 @@ class PostMaker {
     post.id = identifier();
     change(post.user);
     post.moment.id = identifier();
-    post.primary.url = picture();
-    post.secondary.url = picture();
+    post.primary = picture();
+    post.secondary = picture();
     post.caption = text(12);
     if (number(0, 4) == 0) post.caption.reset();
     if (number(0, 2) == 0) post.location.reset();
@@ -47,18 +47,23 @@ class PostMaker {
     return text;
   }
 
-  ZAK::URL picture() {
-    return *ZAK::URL::parse("https://cdn.zolvi.example/Photos/" + identifier() + "/post/" + identifier() + ".webp");
+  ZAK::MediaDto picture() {
+    ZAK::MediaDto media;
+    media.url =
+        *ZAK::URL::parse("https://cdn.zolvi.example/Photos/" + identifier() + "/post/" + identifier() + ".webp");
+    media.width = number(0, 1) == 0 ? 1500 : 1000;
+    media.height = number(0, 1) == 0 ? 2000 : 1000;
+    return media;
   }
 
   void change(ZAK::PostPerson& person) {
     person.id = identifier();
     person.username = "user" + std::to_string(number(1, 999'999));
-    person.profilePicture->url = picture();
+    person.profilePicture = picture();
     if (number(0, 5) == 0) person.profilePicture.reset();
   }
 
-  void changeRest(ZAK::PostQuibletDto& quiblet) { quiblet.media.url = picture(); }
+  void changeRest(ZAK::PostQuibletDto& quiblet) { quiblet.media = picture(); }
   void changeRest(ZAK::PostCommentDto& comment) { comment.content = text(20); }
   void changeRest(ZAK::PostScreenshotDto&) {}
 

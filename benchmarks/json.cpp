@@ -260,7 +260,7 @@ void compareDecoding(const std::string& name, const std::string& text, const std
   std::vector<std::pair<std::string, std::function<void()>>> sides;
   for (const auto& [side, decode] : decoders) {
     require(decode(body) == expected, side + " decodes other posts");
-    sides.emplace_back(side, [&body, decode = decode] { static_cast<void>(decode(body)); });
+    sides.emplace_back(side, [&body, work = decode] { static_cast<void>(work(body)); });
   }
   compare(name, std::move(sides));
 }

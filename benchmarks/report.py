@@ -14,7 +14,6 @@ ROWS = [
     ("cpu.call", "fire", "curl+simdjson", 1.25, "one whole call of the kit, HTTP/2, CPU"),
     ("instructions.http2", "perform", "curl", 1.10, "transport, HTTP/2, user instructions a call"),
     ("instructions.http2", "fetch", "curl", None, "HTTP client, HTTP/2, user instructions a call"),
-    ("instructions.http1", "perform", "curl", None, "transport, HTTP/1.1, user instructions a call"),
     ("instructions.call", "fire", "curl+simdjson", None, "one whole call of the kit, user instructions"),
     ("memory.http2", "perform", "KiB", 20, "transport, resident a call, 1,000 in flight on HTTP/2"),
     ("memory.http2", "fetch", "KiB", None, "HTTP client, the same"),

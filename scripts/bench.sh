@@ -151,9 +151,6 @@ instructions() {
 http2 http2 6 /small.json perform
 http2 http2 6 /small.json fetch
 http2 http2 6 /small.json curl
-http1 http1 64 /small.json perform
-http1 http1 64 /small.json fetch
-http1 http1 64 /small.json curl
 call http2 6 /post.json fire
 call http2 6 /post.json curl+simdjson
 EOF
