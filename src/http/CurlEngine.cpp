@@ -95,7 +95,7 @@ boost::asio::awaitable<CurlEngine::Transfer> CurlEngine::run(Transfer transfer) 
 
 void CurlEngine::start(Transfer transfer, std::unique_ptr<Waiter<Transfer>> waiter) {
   CURL* easy = takeHandle();
-  CURLcode code = easy == nullptr ? CURLE_OUT_OF_MEMORY : transfer->begin(easy, settings_);
+  CURLcode code = easy == nullptr ? CURLE_OUT_OF_MEMORY : transfer->begin(easy, settings_, io_->sockets);
   if (code == CURLE_OK) code = curl_easy_setopt(easy, CURLOPT_OPENSOCKETFUNCTION, &CurlEngine::onOpen);
   if (code == CURLE_OK && curl_multi_add_handle(multi_, easy) != CURLM_OK) code = CURLE_FAILED_INIT;
   Running running{std::move(transfer), std::move(waiter)};

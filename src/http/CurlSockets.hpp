@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <set>
 #include <span>
 #include <sys/epoll.h>
 
@@ -30,6 +31,9 @@ class CurlSockets {
   /// Changes what libcurl wants to know of a socket, in CURL_POLL_ values; `known` says that it asked before. False
   /// when the kernel refuses.
   [[nodiscard]] bool watch(curl_socket_t number, int what, bool known);
+  /// True when the other end of the connection between these ports will send no more. libcurl misses it before it uses
+  /// a kept connection again: it takes the farewell of TLS for an answer on its way.
+  [[nodiscard]] bool peerHasClosed(int localPort, int remotePort) const noexcept;
   /// Waits, if it does not already; `ready` ends the wait.
   void wait();
   /// Ends the wait, so that idle connections do not keep the context running.
@@ -39,6 +43,8 @@ class CurlSockets {
   boost::asio::posix::basic_stream_descriptor<ContextStrand::Executor> set_;
   std::weak_ptr<void> owner_;
   Ready ready_;
+  /// All that were ever watched; some are closed by now, or are the host's.
+  std::set<curl_socket_t> known_;
   bool waiting_ = false;
 };
 

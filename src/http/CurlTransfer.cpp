@@ -40,14 +40,16 @@ std::string protocolName(long version) {
 
 }  // namespace
 
-CURLcode CurlTransfer::begin(CURL* easy, const CurlSettings& settings) {
+CURLcode CurlTransfer::begin(CURL* easy, const CurlSettings& settings, const CurlSockets& sockets) {
   easy_ = easy;
+  sockets_ = &sockets;
   lines_ = headerLines(request);
   maximumBodySize_ = settings.options.maximumBodySize;
   curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, &CurlTransfer::onHeader);
   curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
   curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &CurlTransfer::onBody);
   curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
+  if (fresh_) curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, 1L);
   if (!isIdempotent(request.method)) {
     // Where this cannot be watched the transfer must not start.
     CURLcode code = curl_easy_setopt(easy, CURLOPT_PREREQFUNCTION, &CurlTransfer::onSend);
@@ -103,9 +105,12 @@ void CurlTransfer::collectMetrics() {
   metrics.secureConnect = duration(easy_, CURLINFO_APPCONNECT_TIME_T);
 }
 
-int CurlTransfer::onSend(void* transfer, char*, char*, int, int) noexcept {
-  const bool sentBefore = info<long>(static_cast<CurlTransfer*>(transfer)->easy_, CURLINFO_REQUEST_SIZE) > 0;
-  return sentBefore ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
+int CurlTransfer::onSend(void* transfer, char*, char*, int remotePort, int localPort) noexcept {
+  auto& self = *static_cast<CurlTransfer*>(transfer);
+  const bool sentBefore = info<long>(self.easy_, CURLINFO_REQUEST_SIZE) > 0;
+  const bool reused = info<long>(self.easy_, CURLINFO_NUM_CONNECTS) == 0;
+  self.foundStaleConnection_ = !sentBefore && reused && self.sockets_->peerHasClosed(localPort, remotePort);
+  return sentBefore || self.foundStaleConnection_ ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
 }
 
 std::size_t CurlTransfer::onHeader(char* data, std::size_t size, std::size_t count, void* transfer) noexcept {
