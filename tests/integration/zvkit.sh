@@ -16,7 +16,7 @@ expect() {
   shift 3
   got=$("$zvkit" "$@" 2>"$home/error")
   local status=$?
-  if [ $status -ne "$code" ] || [[ ! $got =~ $output ]] || ! grep -qF -- "$error" "$home/error"; then
+  if [ $status -ne "$code" ] || [[ ! $got =~ $output ]] || ! grep -qF -- "$error" <(cat "$home/error" && echo); then
     printf 'zvkit %s\n  exit code %s, wanted %s\n  output %s\n  error %s\n' "$*" $status "$code" "$got" "$(cat "$home/error")"
     failed=1
   fi
