@@ -8,10 +8,11 @@
 
 namespace Bench {
 
-CurlPeer::CurlPeer(std::string url, std::string caFile, long connections, const std::vector<std::string>& headers,
-                   Answered answered)
+CurlPeer::CurlPeer(std::string url, const std::string& connectTo, std::string caFile, long connections,
+                   const std::vector<std::string>& headers, Answered answered)
     : url_(std::move(url)),
       caFile_(std::move(caFile)),
+      connectTo_(curl_slist_append(nullptr, connectTo.c_str())),
       answered_(std::move(answered)),
       multi_((curl_global_init(CURL_GLOBAL_DEFAULT), curl_multi_init())),
       epoll_(epoll_create1(EPOLL_CLOEXEC)) {
@@ -31,6 +32,7 @@ CurlPeer::~CurlPeer() {
   for (const auto& transfer : transfers_) curl_easy_cleanup(transfer->easy);
   curl_multi_cleanup(multi_);
   curl_slist_free_all(headers_);
+  curl_slist_free_all(connectTo_);
   close(epoll_);
 }
 
@@ -38,12 +40,14 @@ void CurlPeer::configure(Transfer& transfer) {
   const auto set = [easy = transfer.easy](CURLoption option, auto value) { curl_easy_setopt(easy, option, value); };
   set(CURLOPT_PRIVATE, &transfer);
   set(CURLOPT_URL, url_.c_str());
+  set(CURLOPT_CONNECT_TO, connectTo_);
   set(CURLOPT_HTTPHEADER, headers_);
   set(CURLOPT_CAINFO, caFile_.c_str());
   set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
   set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
   set(CURLOPT_PROTOCOLS_STR, "https");
   set(CURLOPT_PROXY, "");
+  set(CURLOPT_NOPROXY, "");
   set(CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
   set(CURLOPT_ACCEPT_ENCODING, "");
   set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));

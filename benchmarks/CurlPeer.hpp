@@ -18,8 +18,9 @@ class CurlPeer {
   /// Handed each body; an answer of a status other than 200 ends the program.
   using Answered = std::function<void(const std::string& body)>;
 
-  CurlPeer(std::string url, std::string caFile, long connections, const std::vector<std::string>& headers,
-           Answered answered);
+  /// `connectTo` is an entry as CURLOPT_CONNECT_TO takes it.
+  CurlPeer(std::string url, const std::string& connectTo, std::string caFile, long connections,
+           const std::vector<std::string>& headers, Answered answered);
   ~CurlPeer();
   CurlPeer(const CurlPeer&) = delete;
   CurlPeer& operator=(const CurlPeer&) = delete;
@@ -45,6 +46,7 @@ class CurlPeer {
 
   std::string url_;
   std::string caFile_;
+  curl_slist* connectTo_;
   curl_slist* headers_ = nullptr;
   Answered answered_;
   CURLM* multi_;

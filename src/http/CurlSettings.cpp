@@ -3,7 +3,6 @@
 #include <openssl/ssl.h>
 
 #include <algorithm>
-#include <cstring>
 #include <initializer_list>
 #include <string_view>
 #include <utility>
@@ -42,15 +41,6 @@ std::string bracketed(const std::string& host) {
   return host.find(':') != std::string::npos && host.front() != '[' ? '[' + host + ']' : host;
 }
 
-/// Joins the parts to a string behind the others, ended by a NUL. A part with a NUL of its own is cut there.
-void append(std::vector<char>& strings, std::initializer_list<std::string_view> parts) {
-  for (const std::string_view part : parts) {
-    const std::string_view kept = part.substr(0, part.find('\0'));
-    strings.insert(strings.end(), kept.begin(), kept.end());
-  }
-  strings.push_back('\0');
-}
-
 bool isBlank(std::string_view text) { return text.find_first_not_of(" \t") == std::string_view::npos; }
 
 /// Everything that an environment variable or a default of libcurl's could steer is set or shut here.
@@ -65,7 +55,7 @@ void setTrust(Setter& set, const CurlSettings& settings) {
   set(CURLOPT_PROXY_CAPATH, static_cast<const char*>(nullptr));
   if (!settings.caFile.empty()) {
     set(CURLOPT_CAINFO, settings.caFile.c_str());
-    set(CURLOPT_PROXY_CAINFO, settings.caFile.c_str());
+    if (settings.options.proxy) set(CURLOPT_PROXY_CAINFO, settings.caFile.c_str());
   }
   set(CURLOPT_PROXY, settings.options.proxy.value_or("").c_str());
   set(CURLOPT_NOPROXY, "");
@@ -100,14 +90,18 @@ void setMethod(Setter& set, const TransferRequest& request) {
 
 }  // namespace
 
-CurlList::CurlList(std::vector<char> strings) : strings_(std::move(strings)) {
-  constexpr std::size_t usualCount = 16;
-  nodes_.reserve(usualCount);
-  char* const end = strings_.data() + strings_.size();
-  for (char* string = strings_.data(); string != end; string += std::strlen(string) + 1) {
-    nodes_.push_back({string, nullptr});
+CurlList::CurlList(const std::vector<Parts>& strings) : nodes_(strings.size()) {
+  std::size_t size = 0;
+  for (const Parts& parts : strings) {
+    for (const std::string_view part : parts) size += part.size();
   }
-  for (std::size_t i = 1; i < nodes_.size(); ++i) nodes_[i - 1].next = &nodes_[i];
+  characters_.resize(size + strings.size());
+  char* end = characters_.data();
+  for (std::size_t i = 0; i < nodes_.size(); ++i) {
+    nodes_[i] = {end, i + 1 < nodes_.size() ? &nodes_[i + 1] : nullptr};
+    for (const std::string_view part : strings[i]) end += part.copy(end, part.size());
+    *end++ = '\0';
+  }
 }
 
 CurlSettings::CurlSettings(TransportOptions options_) : options(std::move(options_)) {
@@ -117,30 +111,32 @@ CurlSettings::CurlSettings(TransportOptions options_) : options(std::move(option
   } else if (systemFile != nullptr) {
     caFile = systemFile;
   }
-  std::vector<char> entries;
+  std::vector<std::string> entries;
   for (const auto& entry : options.connectTo) {
-    append(entries,
-           {bracketed(entry.host), ":", port(entry.port), ":", bracketed(entry.toHost), ":", port(entry.toPort)});
+    entries.push_back(bracketed(entry.host) + ':' + port(entry.port) + ':' + bracketed(entry.toHost) + ':' +
+                      port(entry.toPort));
   }
-  connectTo = CurlList(std::move(entries));
+  std::vector<CurlList::Parts> lines;
+  for (const auto& entry : entries) lines.push_back({entry});
+  connectTo = CurlList(lines);
 }
 
 CurlList headerLines(const TransferRequest& request) {
-  constexpr std::size_t usualSize = 1024;
-  std::vector<char> lines;
-  lines.reserve(usualSize);
+  constexpr std::array shut = {"Accept", "Accept-Encoding", "Expect", "Content-Type"};
+  std::vector<CurlList::Parts> lines;
+  lines.reserve(request.headers.elements().size() + shut.size());
   for (const auto& element : request.headers.elements()) {
     // `name:` would drop the field; `name;` sends it without a value.
     if (isBlank(element.value)) {
-      append(lines, {element.name, ";"});
+      lines.push_back({element.name, ";"});
     } else {
-      append(lines, {element.name, ": ", element.value});
+      lines.push_back({element.name, ": ", element.value});
     }
   }
-  for (const char* name : {"Accept", "Accept-Encoding", "Expect", "Content-Type"}) {
-    if (!request.headers.contains(name)) append(lines, {name, ":"});
+  for (const char* name : shut) {
+    if (!request.headers.contains(name)) lines.push_back({name, ":"});
   }
-  return CurlList(std::move(lines));
+  return CurlList(lines);
 }
 
 CURLcode configure(CURL* easy, const CurlSettings& settings, const TransferRequest& request, const CurlList& lines) {

@@ -5,7 +5,9 @@
 
 #include <curl/curl.h>
 
+#include <array>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace ZAK {
@@ -13,9 +15,11 @@ namespace ZAK {
 /// A list of strings in the form that libcurl reads, in two pieces of memory rather than two a string.
 class CurlList {
  public:
+  /// What a string is joined of.
+  using Parts = std::array<std::string_view, 3>;
+
   CurlList() = default;
-  /// The strings one behind the other, each ended by a NUL.
-  explicit CurlList(std::vector<char> strings);
+  explicit CurlList(const std::vector<Parts>& strings);
   CurlList(CurlList&&) = default;
   CurlList& operator=(CurlList&&) = default;
 
@@ -26,7 +30,7 @@ class CurlList {
 
  private:
   // Vectors, since their content stays in its place when they are moved.
-  std::vector<char> strings_;
+  std::vector<char> characters_;
   std::vector<curl_slist> nodes_;
 };
 

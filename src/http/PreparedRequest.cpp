@@ -18,7 +18,8 @@ namespace {
 /// A user in front of the host would be sent as credentials of its own, and parsers differ on where the host begins.
 bool carriesCredentials(std::string_view url) noexcept {
   const std::size_t authority = url.find("//") + 2;
-  return url.substr(0, url.find_first_of("/?#", authority)).find('@') != std::string_view::npos;
+  const std::size_t mark = url.find('@', authority);
+  return mark != std::string_view::npos && mark < url.find_first_of("/?#", authority);
 }
 
 URL wholeURL(const HTTPRequest& request, const std::optional<URL>& baseURL) {

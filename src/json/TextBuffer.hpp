@@ -41,7 +41,7 @@ class TextBuffer {
   };
 
   void grow(std::size_t count) {
-    constexpr std::size_t least = 1024;
+    constexpr std::size_t least = 4096;
     const std::size_t capacity = std::max({2 * capacity_, size_ + count, least});
     char* const data = static_cast<char*>(std::realloc(data_.get(), capacity));
     if (data == nullptr) throw std::bad_alloc();

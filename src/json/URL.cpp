@@ -89,6 +89,20 @@ std::string escaped(std::string_view text) {
   return result;
 }
 
+/// Behind the characters of the class, and the escapes, that stand from `position` on.
+std::size_t endOf(CharacterClass wanted, std::string_view text, std::size_t position) noexcept {
+  // Eight at a time: a jump for each character would cost more than the look at the table.
+  while (position + 8 <= text.size()) {
+    unsigned common = wanted;
+    for (std::size_t i = position; i < position + 8; ++i)
+      common &= characterClasses[static_cast<unsigned char>(text[i])];
+    if (common == 0) break;
+    position += 8;
+  }
+  while (position < text.size() && (isA(wanted, text[position]) || isEscape(text, position))) ++position;
+  return position;
+}
+
 /// Recognises the usual kind of URL without a parser: https, a plain host name, and nothing that needs escaping.
 bool isPlainHTTPS(std::string_view text) noexcept {
   constexpr std::string_view prefix = "https://";
@@ -98,10 +112,8 @@ bool isPlainHTTPS(std::string_view text) noexcept {
   if (i < text.size() && text[i] >= '0' && text[i] <= '9') return false;
   while (i < text.size() && isA(inHost, text[i])) ++i;
   if (i == prefix.size() || i == text.size() || text[i] != '/') return false;
-  while (i < text.size() && (isA(inPath, text[i]) || isEscape(text, i))) ++i;
-  if (i < text.size() && text[i] == '?') {
-    while (i < text.size() && (isA(inQuery, text[i]) || isEscape(text, i))) ++i;
-  }
+  i = endOf(inPath, text, i);
+  if (i < text.size() && text[i] == '?') i = endOf(inQuery, text, i);
   return i == text.size();
 }
 
