@@ -94,9 +94,12 @@ boost::asio::awaitable<CurlEngine::Transfer> CurlEngine::run(Transfer transfer) 
 }
 
 void CurlEngine::start(Transfer transfer, std::unique_ptr<Waiter<Transfer>> waiter) {
+  // Sent on a connection that the server has closed, such a request would be lost: it must not be sent twice.
+  if (running_.empty() && !isIdempotent(transfer->request.method)) io_->sockets.dropClosedByServer();
   CURL* easy = takeHandle();
-  CURLcode code = easy == nullptr ? CURLE_OUT_OF_MEMORY : transfer->begin(easy, settings_, io_->sockets);
+  CURLcode code = easy == nullptr ? CURLE_OUT_OF_MEMORY : transfer->begin(easy, settings_);
   if (code == CURLE_OK) code = curl_easy_setopt(easy, CURLOPT_OPENSOCKETFUNCTION, &CurlEngine::onOpen);
+  if (code == CURLE_OK) code = curl_easy_setopt(easy, CURLOPT_OPENSOCKETDATA, this);
   if (code == CURLE_OK && curl_multi_add_handle(multi_, easy) != CURLM_OK) code = CURLE_FAILED_INIT;
   Running running{std::move(transfer), std::move(waiter)};
   if (code != CURLE_OK) {
@@ -152,6 +155,7 @@ void CurlEngine::pump() {
     curl_multi_socket_action(multi_, CURL_SOCKET_TIMEOUT, 0, &running);
     reap();
   }
+  if (io_->sockets.takeFailedAttempt()) runAll();
   reap();
   setTimer();
   if (running_.empty()) {
@@ -159,6 +163,16 @@ void CurlEngine::pump() {
   } else {
     io_->sockets.wait();
   }
+}
+
+void CurlEngine::runAll() {
+  // When an attempt to connect fails, libcurl tries the host's next address only when it is called for another reason,
+  // and asks for no timer. Its function that runs all transfers is the way to give it one.
+  int running = 0;
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+  curl_multi_socket_all(multi_, &running);
+#pragma GCC diagnostic pop
 }
 
 void CurlEngine::act(std::span<const epoll_event> events) {
@@ -221,12 +235,10 @@ void CurlEngine::giveBack(CURL* easy) {
   idle_.push_back(easy);
 }
 
-// libcurl must not be driven on from its callbacks: they only take notes.
+// libcurl must not be called from its callbacks: they only take notes.
 
-int CurlEngine::onSocket(CURL*, curl_socket_t number, int what, void* engine, void* known) noexcept {
-  auto& self = *static_cast<CurlEngine*>(engine);
-  if (known == nullptr) curl_multi_assign(self.multi_, number, &self);
-  return self.io_->sockets.watch(number, what, known != nullptr) ? 0 : -1;
+int CurlEngine::onSocket(CURL*, curl_socket_t number, int what, void* engine, void*) noexcept {
+  return static_cast<CurlEngine*>(engine)->io_->sockets.watch(number, what) ? 0 : -1;
 }
 
 int CurlEngine::onTimer(CURLM*, long milliseconds, void* engine) noexcept {
@@ -239,8 +251,10 @@ int CurlEngine::onTimer(CURLM*, long milliseconds, void* engine) noexcept {
   return 0;
 }
 
-curl_socket_t CurlEngine::onOpen(void*, curlsocktype, curl_sockaddr* address) noexcept {
-  return ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+curl_socket_t CurlEngine::onOpen(void* engine, curlsocktype, curl_sockaddr* address) noexcept {
+  const int number = ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+  if (number >= 0) static_cast<CurlEngine*>(engine)->io_->sockets.opened(number);
+  return number;
 }
 
 }  // namespace ZAK

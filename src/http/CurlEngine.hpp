@@ -71,6 +71,7 @@ class CurlEngine final : public ContextBound, public std::enable_shared_from_thi
 
   void pumpSoon();
   void pump();
+  void runAll();
   void act(std::span<const epoll_event> events);
   void reap();
   void setTimer();
@@ -78,9 +79,9 @@ class CurlEngine final : public ContextBound, public std::enable_shared_from_thi
   CURL* takeHandle();
   void giveBack(CURL* easy);
 
-  static int onSocket(CURL* easy, curl_socket_t number, int what, void* engine, void* known) noexcept;
+  static int onSocket(CURL* easy, curl_socket_t number, int what, void* engine, void* unused) noexcept;
   static int onTimer(CURLM* multi, long milliseconds, void* engine) noexcept;
-  static curl_socket_t onOpen(void* unused, curlsocktype purpose, curl_sockaddr* address) noexcept;
+  static curl_socket_t onOpen(void* engine, curlsocktype purpose, curl_sockaddr* address) noexcept;
 
   std::shared_ptr<ContextStrand> strand_;
   CurlSettings settings_;

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <netinet/in.h>
-#include <poll.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
 #include <system_error>
-#include <utility>
+#include <unistd.h>
 
 namespace ZAK {
 namespace {
@@ -18,13 +18,10 @@ int createSet() {
   return number;
 }
 
-/// The port of one end of a connection, as `getsockname` or `getpeername` tells it; 0 for what is no such thing.
-int portOf(int number, int (*name)(int, sockaddr*, socklen_t*) noexcept) noexcept {
-  sockaddr_storage address{};
-  socklen_t length = sizeof(address);
-  if (name(number, reinterpret_cast<sockaddr*>(&address), &length) != 0) return 0;
-  if (address.ss_family == AF_INET) return ntohs(reinterpret_cast<const sockaddr_in&>(address).sin_port);
-  return address.ss_family == AF_INET6 ? ntohs(reinterpret_cast<const sockaddr_in6&>(address).sin6_port) : 0;
+/// Tells a socket from another that got its number later; 0 when there is none.
+std::uint64_t identity(curl_socket_t number) {
+  struct stat status {};
+  return ::fstat(number, &status) == 0 && S_ISSOCK(status.st_mode) ? status.st_ino : 0;
 }
 
 }  // namespace
@@ -32,28 +29,46 @@ int portOf(int number, int (*name)(int, sockaddr*, socklen_t*) noexcept) noexcep
 CurlSockets::CurlSockets(const ContextStrand::Executor& executor, std::weak_ptr<void> owner, Ready ready)
     : set_(executor, createSet()), owner_(std::move(owner)), ready_(std::move(ready)) {}
 
-bool CurlSockets::watch(curl_socket_t number, int what, bool known) {
+bool CurlSockets::control(int operation, curl_socket_t number, std::uint32_t events) {
   epoll_event event{};
+  event.events = events;
   event.data.fd = number;
-  if ((what & CURL_POLL_IN) != 0) event.events |= EPOLLIN;
-  if ((what & CURL_POLL_OUT) != 0) event.events |= EPOLLOUT;
-  const auto control = [&](int operation) { return ::epoll_ctl(set_.native_handle(), operation, number, &event) == 0; };
-  if (what == CURL_POLL_REMOVE) {
-    control(EPOLL_CTL_DEL);  // Fails for a socket that was closed already.
-    return true;
-  }
-  known_.insert(number);
-  if (control(known ? EPOLL_CTL_MOD : EPOLL_CTL_ADD)) return true;
-  return control(known ? EPOLL_CTL_ADD : EPOLL_CTL_MOD);
+  return ::epoll_ctl(set_.native_handle(), operation, number, &event) == 0;
 }
 
-bool CurlSockets::peerHasClosed(int localPort, int remotePort) const noexcept {
-  return std::any_of(known_.begin(), known_.end(), [=](curl_socket_t number) {
-    if (portOf(number, ::getsockname) != localPort) return false;
-    pollfd connection{number, POLLRDHUP, 0};
-    const int peer = portOf(number, ::getpeername);  // none after a reset
-    return (peer == remotePort || peer == 0) && ::poll(&connection, 1, 0) > 0;
-  });
+void CurlSockets::opened(curl_socket_t number) {
+  opened_[number] = identity(number);
+  if (const auto found = wanted_.find(number); found != wanted_.end()) control(EPOLL_CTL_ADD, number, found->second);
+}
+
+void CurlSockets::dropClosedByServer() {
+  std::erase_if(opened_, [](const auto& socket) { return identity(socket.first) != socket.second; });
+  for (const auto& [number, inode] : opened_) {
+    std::array<char, 4096> ignored;
+    const auto receive = [&, socket = number] { return ::recv(socket, ignored.data(), ignored.size(), MSG_DONTWAIT); };
+    if (::recv(number, ignored.data(), 1, MSG_PEEK | MSG_DONTWAIT) < 0) continue;
+    while (receive() > 0) {  // what is left unread would still look like life
+    }
+    ::shutdown(number, SHUT_RDWR);
+  }
+}
+
+bool CurlSockets::watch(curl_socket_t number, int what) {
+  if (what == CURL_POLL_REMOVE) {
+    const auto node = wanted_.extract(number);
+    // Writing alone is waited for only until the connection stands.
+    if (node && node.mapped() == EPOLLOUT) failedAttempt_ = true;
+    // The socket may have been closed and its number be somebody else's: not in this set, so that nothing happens, but
+    // ThreadSanitizer would take the library's function for a race with whoever opened that.
+    ::syscall(SYS_epoll_ctl, set_.native_handle(), EPOLL_CTL_DEL, number, nullptr);
+    return true;
+  }
+  std::uint32_t events = 0;
+  if ((what & CURL_POLL_IN) != 0) events |= EPOLLIN;
+  if ((what & CURL_POLL_OUT) != 0) events |= EPOLLOUT;
+  const bool known = !wanted_.insert_or_assign(number, events).second;
+  return control(known ? EPOLL_CTL_MOD : EPOLL_CTL_ADD, number, events) ||
+         control(known ? EPOLL_CTL_ADD : EPOLL_CTL_MOD, number, events);
 }
 
 void CurlSockets::wait() {

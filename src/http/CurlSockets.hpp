@@ -5,11 +5,13 @@
 #include <boost/asio/posix/basic_stream_descriptor.hpp>
 #include <curl/curl.h>
 
+#include <cstdint>
 #include <functional>
 #include <memory>
-#include <set>
 #include <span>
 #include <sys/epoll.h>
+#include <unordered_map>
+#include <utility>
 
 namespace ZAK {
 
@@ -28,24 +30,34 @@ class CurlSockets {
   /// `ready` is called only while `owner` lives, which must hold this object.
   CurlSockets(const ContextStrand::Executor& executor, std::weak_ptr<void> owner, Ready ready);
 
-  /// Changes what libcurl wants to know of a socket, in CURL_POLL_ values; `known` says that it asked before. False
-  /// when the kernel refuses.
-  [[nodiscard]] bool watch(curl_socket_t number, int what, bool known);
-  /// True when the other end of the connection between these ports will send no more. libcurl misses it before it uses
-  /// a kept connection again: it takes the farewell of TLS for an answer on its way.
-  [[nodiscard]] bool peerHasClosed(int localPort, int remotePort) const noexcept;
+  /// To be told of every socket that is opened for libcurl: what it wants to know of an earlier one of that number it
+  /// takes for granted with the new one.
+  void opened(curl_socket_t number);
+  /// Ends for good the connections on which something came that nobody asked for, so that libcurl opens others: the
+  /// server has closed them. libcurl itself takes the farewell of TLS for a sign of life. To be called only while no
+  /// transfer runs.
+  void dropClosedByServer();
+  /// Changes what libcurl wants to know of a socket, in CURL_POLL_ values. False when the kernel refuses.
+  [[nodiscard]] bool watch(curl_socket_t number, int what);
+  /// True once after a socket was given up that never got connected.
+  [[nodiscard]] bool takeFailedAttempt() noexcept { return std::exchange(failedAttempt_, false); }
   /// Waits, if it does not already; `ready` ends the wait.
   void wait();
   /// Ends the wait, so that idle connections do not keep the context running.
   void pause();
 
  private:
+  bool control(int operation, curl_socket_t number, std::uint32_t events);
+
   boost::asio::posix::basic_stream_descriptor<ContextStrand::Executor> set_;
   std::weak_ptr<void> owner_;
   Ready ready_;
-  /// All that were ever watched; some are closed by now, or are the host's.
-  std::set<curl_socket_t> known_;
+  /// The inode of each socket opened: its number may be somebody else's by now.
+  std::unordered_map<curl_socket_t, std::uint64_t> opened_;
+  /// Epoll's events by socket.
+  std::unordered_map<curl_socket_t, std::uint32_t> wanted_;
   bool waiting_ = false;
+  bool failedAttempt_ = false;
 };
 
 }  // namespace ZAK

@@ -2,6 +2,8 @@
 
 #include "http/TransferError.hpp"
 
+#include <zvapikit/json/JSONDecoder.hpp>
+
 #include <algorithm>
 
 namespace ZAK {
@@ -40,16 +42,14 @@ std::string protocolName(long version) {
 
 }  // namespace
 
-CURLcode CurlTransfer::begin(CURL* easy, const CurlSettings& settings, const CurlSockets& sockets) {
+CURLcode CurlTransfer::begin(CURL* easy, const CurlSettings& settings) {
   easy_ = easy;
-  sockets_ = &sockets;
   lines_ = headerLines(request);
   maximumBodySize_ = settings.options.maximumBodySize;
   curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, &CurlTransfer::onHeader);
   curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
   curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &CurlTransfer::onBody);
   curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
-  if (fresh_) curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, 1L);
   if (!isIdempotent(request.method)) {
     // Where this cannot be watched the transfer must not start.
     CURLcode code = curl_easy_setopt(easy, CURLOPT_PREREQFUNCTION, &CurlTransfer::onSend);
@@ -105,12 +105,12 @@ void CurlTransfer::collectMetrics() {
   metrics.secureConnect = duration(easy_, CURLINFO_APPCONNECT_TIME_T);
 }
 
-int CurlTransfer::onSend(void* transfer, char*, char*, int remotePort, int localPort) noexcept {
+int CurlTransfer::onSend(void* transfer, char*, char*, int, int) noexcept {
   auto& self = *static_cast<CurlTransfer*>(transfer);
-  const bool sentBefore = info<long>(self.easy_, CURLINFO_REQUEST_SIZE) > 0;
-  const bool reused = info<long>(self.easy_, CURLINFO_NUM_CONNECTS) == 0;
-  self.foundStaleConnection_ = !sentBefore && reused && self.sockets_->peerHasClosed(localPort, remotePort);
-  return sentBefore || self.foundStaleConnection_ ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
+  // Counts what a proxy was asked as well, so that only what is added to it from here on is the request's.
+  const long sent = info<long>(self.easy_, CURLINFO_REQUEST_SIZE);
+  if (!self.sentAtFirst_) self.sentAtFirst_ = sent;
+  return sent > *self.sentAtFirst_ ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
 }
 
 std::size_t CurlTransfer::onHeader(char* data, std::size_t size, std::size_t count, void* transfer) noexcept {
@@ -129,7 +129,8 @@ bool CurlTransfer::append(std::string_view bytes) {
   if (bodyTooLarge_) return false;
   if (body.empty()) {
     body.reserve(std::min<std::uint64_t>(byteCount(easy_, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T),
-                                         std::min(largestReserve, maximumBodySize_)));
+                                         std::min(largestReserve, maximumBodySize_)) +
+                 JSONBody::wantedPadding);
   }
   body.append(bytes);
   return true;

@@ -27,14 +27,11 @@ boost::asio::awaitable<TransferResult> performOn(std::shared_ptr<CurlEngine> eng
   co_await acceptAllCancellation();
   const auto begin = std::chrono::steady_clock::now();
   std::vector<URL> redirects;
-  bool fresh = false;
   for (;;) {
     const auto earlier = std::chrono::floor<microseconds>(std::chrono::steady_clock::now() - begin);
-    auto started = std::make_shared<CurlTransfer>(std::move(request), fresh);
+    auto started = std::make_shared<CurlTransfer>(std::move(request));
     const auto transfer = co_await engine->run(std::move(started));
     request = std::move(transfer->request);
-    fresh = transfer->foundStaleConnection();
-    if (fresh) continue;
     auto& response = transfer->result.response;
     const auto step = nextStep(request, response, transfer->redirectTarget, redirects.size());
     if (!step.destination) {

@@ -32,8 +32,6 @@ class ResponseHead {
  private:
   static constexpr std::size_t largest = std::size_t{256} << 10;
 
-  void addField(std::string name, std::string value);
-
   HTTPHeaders headers_;
   /// Name of the field that a folded line continues.
   std::string lastName_;

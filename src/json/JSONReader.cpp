@@ -327,8 +327,8 @@ Date JSONValue::now() const {
   return now ? now() : std::chrono::floor<Date::duration>(std::chrono::system_clock::now());
 }
 
-void JSONValue::fail(std::string debugDescription) const {
-  throw DecodingError(DecodingError::Kind::dataCorrupted, node_->reader.path(), std::move(debugDescription));
+void JSONValue::fail(std::string debugDescription, DecodingError::Kind kind) const {
+  throw DecodingError(kind, node_->reader.path(), std::move(debugDescription));
 }
 
 void JSONValue::read(const JSONType& type, void* result) const {

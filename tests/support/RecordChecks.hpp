@@ -70,4 +70,15 @@ void checkRecord(const nlohmann::json& sample, const std::set<std::string>& requ
   }
 }
 
+/// Compares the texts of an enumeration, in the order of its cases.
+template <class E>
+void checkRawValues(const std::vector<const char*>& texts) {
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    EXPECT_EQ(fromRawValue<E>(texts[i]), static_cast<E>(i)) << texts[i];
+    EXPECT_EQ(rawValue(static_cast<E>(i)), texts[i]);
+  }
+  EXPECT_EQ(RawValues<E>::cases.size(), texts.size());
+  EXPECT_EQ(fromRawValue<E>("nothing of the kind"), std::nullopt);
+}
+
 }  // namespace ZAK::test

@@ -85,7 +85,7 @@ TestAuthority::~TestAuthority() {
 }
 
 TestCertificate TestAuthority::issue(Flaw flaw) const {
-  Description leaf{"localhost", "DNS:localhost,DNS:blocked.test,IP:127.0.0.1"};
+  Description leaf{"localhost", "DNS:localhost,DNS:blocked.test,DNS:two.test,IP:127.0.0.1"};
   if (flaw == Flaw::expired) leaf.notAfter = -60;
   if (flaw == Flaw::notYetValid) leaf.notBefore = day / 2;
   if (flaw == Flaw::wrongHost) leaf.hosts = "DNS:other.test";

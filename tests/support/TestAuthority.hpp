@@ -18,7 +18,8 @@ struct TestCertificate {
   void write(const std::filesystem::path& file) const;
 };
 
-/// A certificate authority made on the spot. Its certificates are for `localhost`, `blocked.test` and 127.0.0.1.
+/// A certificate authority made on the spot. Its certificates are for `localhost`, `blocked.test`, `two.test` and
+/// 127.0.0.1.
 class TestAuthority {
  public:
   enum class Flaw { none, expired, notYetValid, wrongHost, selfSigned, untrustedRoot, incompleteChain };

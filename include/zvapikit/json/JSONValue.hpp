@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/json/JSONErrors.hpp>
 #include <zvapikit/json/JSONType.hpp>
 
 #include <optional>
@@ -53,8 +54,9 @@ class JSONValue {
   /// The instant to count from, taken from the decoder's source of time.
   [[nodiscard]] Date now() const;
 
-  /// Throws a `DecodingError` of kind `dataCorrupted` at this value.
-  [[noreturn]] void fail(std::string debugDescription) const;
+  /// Throws a `DecodingError` at this value, of any kind but `keyNotFound`.
+  [[noreturn]] void fail(std::string debugDescription,
+                         DecodingError::Kind kind = DecodingError::Kind::dataCorrupted) const;
 
  private:
   void read(const JSONType& type, void* result) const;

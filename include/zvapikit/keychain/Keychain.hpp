@@ -33,7 +33,8 @@ struct KeychainOptions {
 ///
 /// Operations are synchronous and may wait for a disk or another process. They throw `KeychainError`. Reading again
 /// after a failure is harmless; a failed write or removal left the item as it was unless the status is
-/// `KeychainStatus::io`, after which it may have been done without being safe from a loss of power.
+/// `KeychainStatus::io`, after which it may have been done without being safe from a loss of power, or another process
+/// that keeps the items did not answer in time.
 ///
 /// Thread safety: callable from any thread; of two writers the last one's data stay, whole.
 class Keychain {

@@ -54,11 +54,19 @@ int BlockedResolver::blocked() {
 
 /// Stands before the C library's function of this name for all of the program, libcurl included.
 extern "C" int getaddrinfo(const char* node, const char* service, const addrinfo* hints, addrinfo** result) {
-  if (node != nullptr && std::string_view(node) == "blocked.test") {
-    ZAK::test::waitForRelease();
-    node = "127.0.0.1";
-  }
   using Function = int (*)(const char*, const char*, const addrinfo*, addrinfo**);
   static const auto original = reinterpret_cast<Function>(::dlsym(RTLD_NEXT, "getaddrinfo"));
-  return original(node, service, hints, result);
+  const std::string_view name = node != nullptr ? node : "";
+  if (name == "blocked.test") {
+    ZAK::test::waitForRelease();
+    return original("127.0.0.1", service, hints, result);
+  }
+  if (name != "two.test") return original(node, service, hints, result);
+  addrinfo* second = nullptr;
+  if (const int error = original("127.0.0.1", service, hints, &second); error != 0) return error;
+  if (const int error = original("127.0.0.2", service, hints, result); error != 0) return error;
+  addrinfo* last = *result;
+  while (last->ai_next != nullptr) last = last->ai_next;
+  last->ai_next = second;
+  return 0;
 }

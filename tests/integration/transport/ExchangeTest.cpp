@@ -1,3 +1,4 @@
+#include "FullListener.hpp"
 #include "TransportFixture.hpp"
 
 #include <gmock/gmock.h>
@@ -338,6 +339,16 @@ TEST_F(ExchangeTest, hostsThatAreNotThere) {
   const auto unknown = perform(get("https://nowhere.invalid/"));
   ASSERT_TRUE(unknown.response.error);
   EXPECT_EQ(unknown.response.error->description(), "could not resolve host");
+}
+
+TEST_F(ExchangeTest, theNextAddressIsTriedWhenOneIsSilent) {
+  // The second attempt gets the number of the first one's socket, of which libcurl says nothing.
+  const FaultServer server(authority().issue(), FaultServer::answering(ok));
+  const FullListener silent("127.0.0.2", server.port());
+  auto hasty = options();
+  hasty.connectTimeout = std::chrono::seconds(2);
+  const auto result = perform(CurlTransport::create(io->get_executor(), hasty), get(server.url("/", "two.test")));
+  EXPECT_EQ(result.response.body, "ok") << result.response.error.value_or(HTTPError(Kind::other, {}, "")).what();
 }
 
 TEST_F(ExchangeTest, aResetDuringAnUploadRaisesNoSignal) {

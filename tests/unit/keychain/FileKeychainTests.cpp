@@ -1,4 +1,4 @@
-#include "keychain/SelectedKeychain.hpp"
+#include "support/KeychainFailure.hpp"
 #include "support/TemporaryDirectory.hpp"
 
 #include <zvapikit/keychain/FileKeychain.hpp>
@@ -21,14 +21,7 @@ namespace fs = std::filesystem;
 const KeychainSettings settings{.service = "com.example.service", .accessGroup = "group.Example"};
 constexpr KeychainOptions ignoring{.ignoreSynchronizable = true};
 
-std::optional<KeychainStatus> failureOf(const std::function<void()>& operation) {
-  try {
-    operation();
-    return std::nullopt;
-  } catch (const KeychainError& error) {
-    return error.status();
-  }
-}
+using Testing::failureOf;
 
 class FileKeychainTest : public testing::Test {
  protected:
@@ -209,43 +202,6 @@ TEST_F(FileKeychainTest, readersSeeOneWritersDataWhole) {
   for (auto& thread : threads) thread.join();
   EXPECT_EQ(torn, 0);
   EXPECT_EQ(files().size(), 1U);
-}
-
-TEST(SelectedKeychainTest, keepsToTheRecordedBackend) {
-  struct Case {
-    std::optional<std::string> record;
-    std::optional<KeychainStatus> failure;
-  };
-  const Case cases[] = {
-      {std::nullopt, std::nullopt},
-      {"file\n", std::nullopt},
-      {"secret-service\n", KeychainStatus::notAvailable},
-      {"", KeychainStatus::notAvailable},
-      {std::string(1000, 'x'), KeychainStatus::io},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.record.value_or("none"));
-    const Testing::TemporaryDirectory root;
-    if (c.record) {
-      fs::permissions(root.write("items/backend", *c.record), fs::perms::owner_read | fs::perms::owner_write);
-    }
-    FileKeychain(settings, root.path() / "items").set("from an earlier run", "key");
-    SelectedKeychain keychain(settings, root.path() / "items");
-    std::optional<std::string> data;
-    EXPECT_EQ(failureOf([&] { data = keychain.data("key"); }), c.failure);
-    EXPECT_EQ(data.has_value(), !c.failure) << "an old item never stands in for one in another backend";
-    EXPECT_EQ(Testing::contentOf(root.path() / "items/backend"), c.record.value_or("file\n"));
-  }
-}
-
-TEST(SelectedKeychainTest, looksAgainAfterAFailure) {
-  const Testing::TemporaryDirectory root;
-  const fs::path obstacle = root.write("items", "a file in the directory's place");
-  SelectedKeychain keychain(settings, obstacle);
-  EXPECT_EQ(failureOf([&] { keychain.set("x", "key"); }), KeychainStatus::io);
-  fs::remove(obstacle);
-  keychain.set("x", "key");
-  EXPECT_EQ(keychain.data("key"), "x");
 }
 
 }  // namespace

@@ -1,0 +1,137 @@
+#pragma once
+
+#include <zvapikit/json/JSONType.hpp>
+#include <zvapikit/json/RawValue.hpp>
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace ZAK {
+
+/// A version of the app for each platform.
+struct AppSettingsVersionDto {
+  std::string ios;
+
+  bool operator==(const AppSettingsVersionDto&) const = default;
+  static constexpr auto jsonFields() { return std::array{JSONField::of<&AppSettingsVersionDto::ios>("ios")}; }
+};
+
+/// How often to poll, in the units that the server and the host agree on.
+struct AppSettingsPollingDto {
+  std::int64_t feedsFriends = 0;
+  std::int64_t moment = 0;
+
+  bool operator==(const AppSettingsPollingDto&) const = default;
+  static constexpr auto jsonFields() {
+    return std::array{JSONField::of<&AppSettingsPollingDto::feedsFriends>("feedsFriends"),
+                      JSONField::of<&AppSettingsPollingDto::moment>("moment")};
+  }
+};
+
+/// How analytics events are sent together.
+struct AppSettingsAnalyticsBatchDto {
+  std::int64_t maxLength = 0;     ///< number of events
+  std::int64_t flushAfterMs = 0;  ///< milliseconds
+
+  bool operator==(const AppSettingsAnalyticsBatchDto&) const = default;
+  static constexpr auto jsonFields() {
+    return std::array{JSONField::of<&AppSettingsAnalyticsBatchDto::maxLength>("maxLength"),
+                      JSONField::of<&AppSettingsAnalyticsBatchDto::flushAfterMs>("flushAfterMs")};
+  }
+};
+
+/// Thresholds of what is measured.
+struct AppSettingsAnalyticsMetricsDto {
+  std::int64_t postSustainLookTimeInMs = 0;  ///< milliseconds
+
+  bool operator==(const AppSettingsAnalyticsMetricsDto&) const = default;
+  static constexpr auto jsonFields() {
+    return std::array{
+        JSONField::of<&AppSettingsAnalyticsMetricsDto::postSustainLookTimeInMs>("postSustainLookTimeInMs")};
+  }
+};
+
+/// Settings of analytics.
+struct AppSettingsAnalyticsDto {
+  AppSettingsAnalyticsBatchDto batch;
+  AppSettingsAnalyticsMetricsDto metrics;
+
+  bool operator==(const AppSettingsAnalyticsDto&) const = default;
+  static constexpr auto jsonFields() {
+    return std::array{JSONField::of<&AppSettingsAnalyticsDto::batch>("batch"),
+                      JSONField::of<&AppSettingsAnalyticsDto::metrics>("metrics")};
+  }
+};
+
+/// Which features are switched on.
+struct AppSettingsFeatureFlagsDto {
+  std::optional<bool> friendsOfFriendsFeed;
+  std::optional<bool> messaging;
+  std::optional<bool> analytics;
+
+  bool operator==(const AppSettingsFeatureFlagsDto&) const = default;
+  static constexpr auto jsonFields() {
+    return std::array{JSONField::of<&AppSettingsFeatureFlagsDto::friendsOfFriendsFeed>("friendsOfFriendsFeed"),
+                      JSONField::of<&AppSettingsFeatureFlagsDto::messaging>("messaging"),
+                      JSONField::of<&AppSettingsFeatureFlagsDto::analytics>("analytics")};
+  }
+};
+
+/// How long messages stay. An unknown text fails to decode.
+enum class MessagingScenario { noLimit, noLimitVanish };
+
+template <>
+struct RawValues<MessagingScenario> {
+  static constexpr std::string_view name = "Scenario";
+  static constexpr std::array cases = {RawCase{MessagingScenario::noLimit, "no_limit"},
+                                       RawCase{MessagingScenario::noLimitVanish, "no_limit_vanish"}};
+};
+
+/// Settings of messaging.
+struct AppSettingsFeaturesFlagsMessagingDto {
+  using Scenario = MessagingScenario;
+
+  std::string token;
+  Scenario scenario = Scenario::noLimit;
+
+  bool operator==(const AppSettingsFeaturesFlagsMessagingDto&) const = default;
+  static constexpr auto jsonFields() {
+    return std::array{JSONField::of<&AppSettingsFeaturesFlagsMessagingDto::token>("token"),
+                      JSONField::of<&AppSettingsFeaturesFlagsMessagingDto::scenario>("scenario")};
+  }
+};
+
+/// Settings of single features.
+struct AppSettingsFeatureFlagsSettingsDto {
+  std::optional<AppSettingsFeaturesFlagsMessagingDto> messaging;
+
+  bool operator==(const AppSettingsFeatureFlagsSettingsDto&) const = default;
+  static constexpr auto jsonFields() {
+    return std::array{JSONField::of<&AppSettingsFeatureFlagsSettingsDto::messaging>("messaging")};
+  }
+};
+
+/// What the server asks of the app.
+struct AppSettingsDto {
+  AppSettingsVersionDto mandatoryVersions;    ///< below these the app must be updated
+  AppSettingsVersionDto recommendedVersions;  ///< below these an update is advised
+  AppSettingsPollingDto polling;
+  std::optional<AppSettingsAnalyticsDto> analytics;
+  std::optional<AppSettingsFeatureFlagsDto> featureFlags;
+  std::optional<AppSettingsFeatureFlagsSettingsDto> featureFlagsSettings;
+
+  bool operator==(const AppSettingsDto&) const = default;
+  static constexpr auto jsonFields() {
+    return std::array{JSONField::of<&AppSettingsDto::mandatoryVersions>("mandatoryVersions"),
+                      JSONField::of<&AppSettingsDto::recommendedVersions>("recommendedVersions"),
+                      JSONField::of<&AppSettingsDto::polling>("polling"),
+                      JSONField::of<&AppSettingsDto::analytics>("analytics"),
+                      JSONField::of<&AppSettingsDto::featureFlags>("featureFlags"),
+                      JSONField::of<&AppSettingsDto::featureFlagsSettings>("featureFlagsSettings")};
+  }
+};
+
+}  // namespace ZAK

@@ -1,0 +1,158 @@
+#pragma once
+
+#include <zvapikit/json/Date.hpp>
+#include <zvapikit/json/JSONType.hpp>
+#include <zvapikit/model/MediaDto.hpp>
+#include <zvapikit/model/RegionCodeDto.hpp>
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace ZAK {
+
+/// A friend that the reader of a post shares with its author.
+struct FofCommonFriendDto {
+  std::string id;
+  std::string username;
+  std::optional<std::string> fullname;
+  std::optional<MediaDto> profilePicture;
+
+  bool operator==(const FofCommonFriendDto&) const = default;
+  static constexpr auto jsonFields() {
+    return std::array{JSONField::of<&FofCommonFriendDto::id>("id"),
+                      JSONField::of<&FofCommonFriendDto::username>("username"),
+                      JSONField::of<&FofCommonFriendDto::fullname>("fullname"),
+                      JSONField::of<&FofCommonFriendDto::profilePicture>("profilePicture")};
+  }
+};
+
+/// How the reader of a post is linked to its author.
+struct FofRelationshipDto {
+  std::optional<std::vector<FofCommonFriendDto>> commonFriends;
+
+  bool operator==(const FofRelationshipDto&) const = default;
+  static constexpr auto jsonFields() {
+    return std::array{JSONField::of<&FofRelationshipDto::commonFriends>("commonFriends")};
+  }
+};
+
+/// The author of a friend-of-a-friend post.
+struct FofUserDto {
+  std::string id;
+  std::string username;
+  std::optional<std::string> fullname;
+  std::optional<MediaDto> profilePicture;
+  std::optional<FofRelationshipDto> relationship;
+
+  bool operator==(const FofUserDto&) const = default;
+  static constexpr auto jsonFields() {
+    return std::array{JSONField::of<&FofUserDto::id>("id"), JSONField::of<&FofUserDto::username>("username"),
+                      JSONField::of<&FofUserDto::fullname>("fullname"),
+                      JSONField::of<&FofUserDto::profilePicture>("profilePicture"),
+                      JSONField::of<&FofUserDto::relationship>("relationship")};
+  }
+};
+
+/// The moment that a post belongs to.
+struct FofMomentDto {
+  std::string id;
+  RegionCodeDto region;
+
+  bool operator==(const FofMomentDto&) const = default;
+  static constexpr auto jsonFields() {
+    return std::array{JSONField::of<&FofMomentDto::id>("id"), JSONField::of<&FofMomentDto::region>("region")};
+  }
+};
+
+/// Where a post was taken.
+struct FofLocationDto {
+  double latitude = 0;   ///< degrees
+  double longitude = 0;  ///< degrees
+
+  bool operator==(const FofLocationDto&) const = default;
+  static constexpr auto jsonFields() {
+    return std::array{JSONField::of<&FofLocationDto::latitude>("latitude"),
+                      JSONField::of<&FofLocationDto::longitude>("longitude")};
+  }
+};
+
+/// Who reacted to a post.
+struct FofQuibletUserDto {
+  std::string id;
+  std::string username;
+
+  bool operator==(const FofQuibletUserDto&) const = default;
+  static constexpr auto jsonFields() {
+    return std::array{JSONField::of<&FofQuibletUserDto::id>("id"),
+                      JSONField::of<&FofQuibletUserDto::username>("username")};
+  }
+};
+
+/// One reaction selfie on a post.
+struct FofQuibletDto {
+  std::string id;
+  FofQuibletUserDto user;  ///< who reacted
+  MediaDto media;          ///< the selfie
+  std::string emoji;       ///< what the reaction stands for
+  bool isInstant = false;
+  Date postedAt{};
+
+  bool operator==(const FofQuibletDto&) const = default;
+  static constexpr auto jsonFields() {
+    return std::array{JSONField::of<&FofQuibletDto::id>("id"),
+                      JSONField::of<&FofQuibletDto::user>("user"),
+                      JSONField::of<&FofQuibletDto::media>("media"),
+                      JSONField::of<&FofQuibletDto::emoji>("emoji"),
+                      JSONField::of<&FofQuibletDto::isInstant>("isInstant"),
+                      JSONField::of<&FofQuibletDto::postedAt>("postedAt")};
+  }
+};
+
+/// The reactions to a post. The reader's own travels as `self`.
+struct FofQuibletsRootDto {
+  std::int64_t total = 0;             ///< number of reactions; may exceed the sample's length
+  std::optional<FofQuibletDto> mine;  ///< the reader's own reaction
+  std::vector<FofQuibletDto> sample;
+
+  bool operator==(const FofQuibletsRootDto&) const = default;
+  static constexpr auto jsonFields() {
+    return std::array{JSONField::of<&FofQuibletsRootDto::total>("total"),
+                      JSONField::of<&FofQuibletsRootDto::mine>("self"),
+                      JSONField::of<&FofQuibletsRootDto::sample>("sample")};
+  }
+};
+
+/// A post of a friend of a friend.
+struct FofPostDto {
+  std::string id;
+  FofUserDto user;  ///< author
+  FofMomentDto moment;
+  MediaDto primary;    ///< main picture
+  MediaDto secondary;  ///< inset picture
+  std::optional<FofLocationDto> location;
+  std::optional<std::string> caption;
+  Date takenAt{};
+  Date postedAt{};
+  std::int64_t lateInSeconds = 0;
+  std::optional<FofQuibletsRootDto> quiblets;
+
+  bool operator==(const FofPostDto&) const = default;
+  static constexpr auto jsonFields() {
+    return std::array{JSONField::of<&FofPostDto::id>("id"),
+                      JSONField::of<&FofPostDto::user>("user"),
+                      JSONField::of<&FofPostDto::moment>("moment"),
+                      JSONField::of<&FofPostDto::primary>("primary"),
+                      JSONField::of<&FofPostDto::secondary>("secondary"),
+                      JSONField::of<&FofPostDto::location>("location"),
+                      JSONField::of<&FofPostDto::caption>("caption"),
+                      JSONField::of<&FofPostDto::takenAt>("takenAt"),
+                      JSONField::of<&FofPostDto::postedAt>("postedAt"),
+                      JSONField::of<&FofPostDto::lateInSeconds>("lateInSeconds"),
+                      JSONField::of<&FofPostDto::quiblets>("quiblets")};
+  }
+};
+
+}  // namespace ZAK

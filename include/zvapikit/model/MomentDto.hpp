@@ -1,0 +1,29 @@
+#pragma once
+
+#include <zvapikit/json/Date.hpp>
+#include <zvapikit/json/JSONType.hpp>
+#include <zvapikit/model/RegionCodeDto.hpp>
+
+#include <array>
+#include <optional>
+#include <string>
+
+namespace ZAK {
+
+/// The time of a day at which the users of a region post.
+struct MomentDto {
+  std::string id;
+  RegionCodeDto region;
+  std::optional<Date> startDate;
+  std::optional<Date> endDate;
+  std::optional<std::string> timezone;
+
+  bool operator==(const MomentDto&) const = default;
+  static constexpr auto jsonFields() {
+    return std::array{JSONField::of<&MomentDto::id>("id"), JSONField::of<&MomentDto::region>("region"),
+                      JSONField::of<&MomentDto::startDate>("startDate"), JSONField::of<&MomentDto::endDate>("endDate"),
+                      JSONField::of<&MomentDto::timezone>("timezone")};
+  }
+};
+
+}  // namespace ZAK
