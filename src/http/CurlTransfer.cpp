@@ -106,8 +106,11 @@ void CurlTransfer::collectMetrics() {
 }
 
 int CurlTransfer::onSend(void* transfer, char*, char*, int, int) noexcept {
-  const bool sentBefore = info<long>(static_cast<CurlTransfer*>(transfer)->easy_, CURLINFO_REQUEST_SIZE) > 0;
-  return sentBefore ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
+  auto& self = *static_cast<CurlTransfer*>(transfer);
+  // Counts what a proxy was asked as well, so that only what is added to it from here on is the request's.
+  const long sent = info<long>(self.easy_, CURLINFO_REQUEST_SIZE);
+  if (!self.sentAtFirst_) self.sentAtFirst_ = sent;
+  return sent > *self.sentAtFirst_ ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
 }
 
 std::size_t CurlTransfer::onHeader(char* data, std::size_t size, std::size_t count, void* transfer) noexcept {

@@ -47,6 +47,8 @@ class CurlTransfer {
   CURL* easy_ = nullptr;
   CurlList lines_;
   ResponseHead head_;
+  /// Bytes of requests that had gone out when this one was about to be sent for the first time.
+  std::optional<long> sentAtFirst_;
   std::size_t maximumBodySize_ = 0;
   bool bodyTooLarge_ = false;
 };

@@ -4,6 +4,7 @@
 
 #include <zvapikit/core/Context.hpp>
 #include <zvapikit/core/FirebaseAuthentifier.hpp>
+#include <zvapikit/core/Info.hpp>
 #include <zvapikit/core/MobileApiClient.hpp>
 #include <zvapikit/keychain/KeychainFactory.hpp>
 
@@ -15,7 +16,6 @@
 #include <nlohmann/json.hpp>
 
 #include <charconv>
-#include <iostream>
 
 namespace zvkit {
 namespace {
@@ -48,7 +48,7 @@ ZAK::TransportOptions::ConnectTo parseConnectTo(const std::string& text) {
 nlohmann::json parseArguments(const std::string& text) {
   try {
     return nlohmann::json::parse(text);
-  } catch (const nlohmann::json::parse_error& error) {
+  } catch (const nlohmann::json::exception& error) {
     throw UsageError(std::string("the arguments are not JSON: ") + error.what());
   }
 }
@@ -65,7 +65,10 @@ ZAK::Context makeContext(const CallOptions& options, boost::asio::any_io_executo
   ZAK::Context context;
   context.configuration.environment = *ZAK::fromRawValue<ZAK::Configuration::Environment>(options.environment);
   context.deviceInfo = ZAK::DeviceInfo("Linux", "1", "zvkit");
-  context.bundle = {.executable = "zvkit", .shortVersion = "1.0.0", .identifier = "com.zolvi.zvkit", .version = "1"};
+  context.bundle = {.executable = "zvkit",
+                    .shortVersion = std::string(ZAK::Info::version()),
+                    .identifier = "com.zolvi.zvkit",
+                    .version = "1"};
   context.executor = std::move(executor);
   if (!options.connectTo.empty()) context.transport.connectTo.push_back(parseConnectTo(options.connectTo));
   if (!options.caFile.empty()) context.transport.caFile = options.caFile;

@@ -23,7 +23,6 @@ struct DemoOptions {
 
 struct EmulatorCommandOptions {
   int port = 0;
-  bool verbose = false;
 };
 
 // Each yields the exit code: 0, or 1 when what was asked for failed. All throw `UsageError`.

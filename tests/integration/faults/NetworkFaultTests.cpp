@@ -204,6 +204,7 @@ void cutEverywhere(Exchange exchange, Framing framing) {
   // Of the line end behind the last chunk libcurl does without the second half.
   const std::size_t whole = answer.size() - (framing == Framing::chunks ? 1 : 0);
   for (const Ending ending : {Ending::close, Ending::drop, Ending::reset}) {
+    if (ending == Ending::drop && framing == Framing::chunks) continue;  // as with a length
     for (std::size_t at = 0; at <= whole && !testing::Test::HasFailure(); ++at) {
       SCOPED_TRACE(testing::Message() << static_cast<int>(exchange) << ' ' << static_cast<int>(framing) << ' '
                                       << static_cast<int>(ending) << " at " << at << " of " << whole);

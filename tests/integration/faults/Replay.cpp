@@ -47,7 +47,7 @@ const test::TestAuthority& authority() {
 std::string healthyBody(Replay::Exchange exchange) {
   switch (exchange) {
     case Replay::Exchange::reading:
-      return R"({"id": "post-bob", "caption": "by the sea", "location": {"latitude": 52.5, "longitude": 13.4}})";
+      return R"({"id": "post-bob", "caption": "by the sea"})";
     case Replay::Exchange::signingIn:
       return R"({"token_type": "bearer", "expires_in": 3600, "scope": "", "refresh_token": "refresh-1",)"
              R"( "firebase_token": null, "access_token": "access-1"})";

@@ -171,6 +171,21 @@ TEST(KitTokens, RejectionsAreMendedThreeSendsLong) {
   }
 }
 
+TEST(KitTokens, AStormOfRejectionsEnds) {
+  for (const int status : {401, 403}) {
+    Kit kit;
+    kit.signIn();
+    kit.emulator->inject(
+        {.server = EmulatorServer::mobile, .times = EmulatorFault::always, .answer = EmulatorResponse{status}});
+    constexpr std::size_t calls = 50;
+    for (std::size_t i = 0; i < calls; ++i) kit.start(kit.reading());
+    kit.finish();
+    EXPECT_EQ(*kit.outcomes, Texts(calls, "httpError: HTTP " + HTTPStatusCode(status).description()));
+    const Texts traffic = kit.traffic();
+    EXPECT_EQ(std::count(traffic.begin(), traffic.end(), readSigned), 3 * calls);
+  }
+}
+
 TEST(KitTokens, WithoutATokenTheServerDecides) {
   enum class Provider { failing, gone };
   for (const Provider provider : {Provider::failing, Provider::gone}) {

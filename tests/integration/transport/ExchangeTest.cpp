@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <atomic>
 #include <csignal>
 #include <string>
 #include <vector>
@@ -229,12 +230,24 @@ TEST_F(ExchangeTest, connectionsAreKeptWhileTheContextRests) {
 }
 
 TEST_F(ExchangeTest, aConnectionThatWasClosedMeanwhileIsReplaced) {
-  const FaultServer server(authority().issue(), [](FaultServer::Connection& client) {
-    if (client.handshake() && !client.readRequest().empty()) client.send(ok);
-  });
-  const auto shared = transport();
-  for (int i = 0; i < 3; ++i) EXPECT_EQ(perform(shared, get(server.url())).response.body, "ok");
-  EXPECT_EQ(server.connections(), 3);
+  for (const auto end : {&FaultServer::Connection::finish, &FaultServer::Connection::cut}) {
+    std::atomic<int> closed = 0;
+    const FaultServer server(authority().issue(), [&](FaultServer::Connection& client) {
+      if (!client.handshake() || client.readRequest().empty()) return;
+      client.send(ok);
+      (client.*end)();
+      ++closed;
+    });
+    const auto shared = transport();
+    for (const auto method : {HTTPMethod::get, HTTPMethod::post, HTTPMethod::get, HTTPMethod::patch}) {
+      auto request = get(server.url());
+      request.method = method;
+      EXPECT_EQ(perform(shared, request).response.body, "ok");
+      ASSERT_TRUE(runUntil([&] { return closed == server.connections(); }));
+    }
+    EXPECT_EQ(server.connections(), 4);
+    EXPECT_EQ(server.requests(), 4);
+  }
 }
 
 TEST_F(ExchangeTest, onlyWhatMayBeRepeatedIsSentAgainWhenAKeptConnectionDies) {
