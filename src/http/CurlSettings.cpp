@@ -112,11 +112,13 @@ CurlSettings::CurlSettings(TransportOptions options_) : options(std::move(option
     caFile = systemFile;
   }
   std::vector<std::string> entries;
+  entries.reserve(options.connectTo.size());
   for (const auto& entry : options.connectTo) {
     entries.push_back(bracketed(entry.host) + ':' + port(entry.port) + ':' + bracketed(entry.toHost) + ':' +
                       port(entry.toPort));
   }
   std::vector<CurlList::Parts> lines;
+  lines.reserve(entries.size());
   for (const auto& entry : entries) lines.push_back({entry});
   connectTo = CurlList(lines);
 }
