@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what the kit, its tests and its checks need on Debian 12. Safe to run again: it does nothing once
-# everything is there.
+# Installs what the kit, its tests and its checks need on Debian 12; with `bench`, what the benchmarks need beyond that.
+# Safe to run again: it does nothing once everything is there.
 set -euo pipefail
 
 packages=(
@@ -9,10 +9,11 @@ packages=(
   libboost1.81-dev libcurl4-openssl-dev libssl-dev libsimdjson-dev nlohmann-json3-dev libhowardhinnant-date-dev
   zlib1g-dev tzdata libcli11-dev libsecret-1-dev
   # tests
-  libgtest-dev libgmock-dev nginx-light openssl dbus gnome-keyring libglib2.0-bin
+  libgtest-dev libgmock-dev nginx-light openssl dbus gnome-keyring
   # the wider checks
   clang-19 libclang-rt-19-dev clang-format-14 clang-tidy-14
 )
+[ "${1:-}" != bench ] || packages+=(curl libnginx-mod-http-echo python3 rapidjson-dev valgrind)
 
 missing=()
 for package in "${packages[@]}"; do

@@ -21,7 +21,7 @@ void locate(EmulatorRequest& request) {
   const std::string_view host = std::string_view(request.host).substr(0, request.host.rfind(':'));
   const std::string_view path = std::string_view(request.target).substr(0, request.target.find('?'));
   request.path = path;
-  for (const Site& site : sites) {
+  for (const Site& site : sites()) {
     if (!EmulatorText::equalIgnoringCase(site.host, host) || !path.starts_with(site.base)) continue;
     const std::string_view below = path.substr(site.base.size());
     if (!below.empty() && below.front() != '/') continue;

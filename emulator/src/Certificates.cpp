@@ -68,7 +68,7 @@ void sign(X509* certificate, EVP_PKEY* key) { check(X509_sign(certificate, key, 
 std::string subjectNames(EmulatorOptions::Certificate kind) {
   if (kind == EmulatorOptions::Certificate::wrongHost) return "DNS:elsewhere.example";
   std::string names = "DNS:localhost,IP:127.0.0.1";
-  for (const std::string_view host : hosts) names += ",DNS:" + std::string(host);
+  for (const std::string& host : hosts()) names += ",DNS:" + host;
   return names;
 }
 

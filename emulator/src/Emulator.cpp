@@ -47,7 +47,7 @@ const std::filesystem::path& Emulator::caFile() const noexcept { return parts_->
 TransportOptions Emulator::transportOptions() const {
   TransportOptions options;
   options.caFile = caFile();
-  for (const std::string_view host : hosts) options.connectTo.emplace_back(std::string(host), 443, "127.0.0.1", port());
+  for (const std::string& host : hosts()) options.connectTo.emplace_back(host, 0, "127.0.0.1", port());
   return options;
 }
 

@@ -27,8 +27,8 @@ std::optional<TokenDto> KeychainTokenStorage::get() {
   std::optional<std::string> data;
   try {
     data = keychain_->data(key_, anySynchronizable);
-  } catch (const std::exception& error) {
-    report(error);
+  } catch (...) {
+    report(std::current_exception());
   }
   if (!data) return std::nullopt;
   try {
@@ -47,8 +47,8 @@ void KeychainTokenStorage::set(const std::optional<TokenDto>& token) {
     }
   } catch (const EncodingError&) {
     removeSilently();
-  } catch (const std::exception& error) {
-    report(error);
+  } catch (...) {
+    report(std::current_exception());
   }
 }
 
@@ -59,8 +59,15 @@ void KeychainTokenStorage::removeSilently() noexcept {
   }
 }
 
-void KeychainTokenStorage::report(const std::exception& error) const noexcept {
-  if (logger_.lock()) Log::error(logger_, std::string("[Authentifier] keychain error : ") + error.what(), &error);
+void KeychainTokenStorage::report(const std::exception_ptr& failure) const noexcept {
+  std::string text = "[Authentifier] keychain error : ";
+  try {
+    std::rethrow_exception(failure);
+  } catch (const std::exception& error) {
+    Log::error(logger_, text + error.what(), &error);
+  } catch (...) {  // a host's own keychain may throw anything
+    Log::error(logger_, text + "unknown", static_cast<const std::exception*>(nullptr));
+  }
 }
 
 }  // namespace ZAK

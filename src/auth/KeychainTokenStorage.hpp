@@ -24,7 +24,7 @@ class KeychainTokenStorage final : public TokenStorage {
 
  private:
   void removeSilently() noexcept;
-  void report(const std::exception& error) const noexcept;
+  void report(const std::exception_ptr& failure) const noexcept;
 
   std::string key_;
   std::shared_ptr<Keychain> keychain_;

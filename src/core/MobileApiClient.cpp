@@ -28,8 +28,9 @@ constexpr int maxRawRedirects = 5;
 
 URL baseURL(const std::string& text) {
   const auto url = URL::parse(text);
-  if (!url || url->scheme() != "https" || url->host().empty() || url->withoutQuery() != url->string()) {
-    throw std::invalid_argument("not an absolute https URL without query: " + text);
+  if (!url || url->scheme() != "https" || url->host().empty() || url->withoutQuery() != url->string() ||
+      text.find('@') != std::string::npos) {
+    throw std::invalid_argument("not an absolute https URL without user and query: " + text);
   }
   return *url;
 }
@@ -145,8 +146,11 @@ boost::asio::awaitable<void> MobileApiClient::sendKeeping(std::shared_ptr<Mobile
   const Parts& parts = *self->parts_;
   if (route == Route::signedIn) {
     request.maxRetries = MobileApiAuthentifier::maxRetries;
-    const std::optional<TokenDto> token = co_await parts.authentifier->tokenManager()->validToken();
-    MobileApiAuthentifier::sign(request, token);
+    // What is never sent needs no token.
+    if (!request.climbsPath()) {
+      const std::optional<TokenDto> token = co_await parts.authentifier->tokenManager()->validToken();
+      MobileApiAuthentifier::sign(request, token);
+    }
   }
   const auto& executor = route == Route::auth ? parts.authExecutor : parts.regularExecutor;
   co_await executor->execute(std::move(request), target);

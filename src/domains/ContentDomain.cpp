@@ -9,7 +9,7 @@ using boost::asio::awaitable;
 namespace {
 
 /// Names a post and its author in the query.
-Endpoint on(PostId post, UserId author, Endpoint endpoint) {
+Endpoint about(PostId post, UserId author, Endpoint endpoint) {
   return std::move(endpoint).query("postId", std::move(post.value)).query("postUserId", std::move(author.value));
 }
 
@@ -36,31 +36,31 @@ awaitable<PostDto> ContentDomain::updateVisibility(PostVisibilityDto visibility)
 }
 
 awaitable<PostDto> ContentDomain::notifyScreenshot(PostId forPostId, UserId by) {
-  return fire<PostDto>(weakClient(), on(forPostId, by, Endpoint::post("/content/screenshots")));
+  return fire<PostDto>(weakClient(), about(forPostId, by, Endpoint::post("/content/screenshots")));
 }
 
-awaitable<PostCommentDto> ContentDomain::addComment(std::string comment, PostId postId, UserId by) {
+awaitable<PostCommentDto> ContentDomain::addComment(std::string comment, PostId on, UserId by) {
   const AddCommentDto body{std::move(comment)};
-  return fire<PostCommentDto>(weakClient(), on(postId, by, Endpoint::post("/content/comments").json(body)));
+  return fire<PostCommentDto>(weakClient(), about(on, by, Endpoint::post("/content/comments").json(body)));
 }
 
-awaitable<void> ContentDomain::deleteComments(std::vector<std::string> commentIds, PostId postId, UserId by) {
+awaitable<void> ContentDomain::deleteComments(std::vector<std::string> commentIds, PostId on, UserId by) {
   const DeleteCommentsDto body{std::move(commentIds)};
-  return fire<void>(weakClient(), on(postId, by, Endpoint::delete_("/content/comments").json(body)));
+  return fire<void>(weakClient(), about(on, by, Endpoint::delete_("/content/comments").json(body)));
 }
 
-awaitable<PostQuibletDto> ContentDomain::addEmoji(std::string emoji, PostId postId, UserId by) {
+awaitable<PostQuibletDto> ContentDomain::addEmoji(std::string emoji, PostId on, UserId by) {
   const AddQuibletDto body{std::move(emoji)};
-  return fire<PostQuibletDto>(weakClient(), on(postId, by, Endpoint::put("/content/quiblets").json(body)));
+  return fire<PostQuibletDto>(weakClient(), about(on, by, Endpoint::put("/content/quiblets").json(body)));
 }
 
-awaitable<PostQuibletDto> ContentDomain::addInstant(AddInstantQuibletDto instant, PostId postId, UserId by) {
-  return fire<PostQuibletDto>(weakClient(), on(postId, by, Endpoint::put("/content/quiblets/instant").json(instant)));
+awaitable<PostQuibletDto> ContentDomain::addInstant(AddInstantQuibletDto instant, PostId on, UserId by) {
+  return fire<PostQuibletDto>(weakClient(), about(on, by, Endpoint::put("/content/quiblets/instant").json(instant)));
 }
 
-awaitable<void> ContentDomain::deleteQuiblets(std::vector<std::string> quibletIds, PostId postId, UserId by) {
+awaitable<void> ContentDomain::deleteQuiblets(std::vector<std::string> quibletIds, PostId from, UserId by) {
   const DeleteQuibletsDto body{std::move(quibletIds)};
-  return fire<void>(weakClient(), on(postId, by, Endpoint::delete_("/content/quiblets").json(body)));
+  return fire<void>(weakClient(), about(from, by, Endpoint::delete_("/content/quiblets").json(body)));
 }
 
 }  // namespace ZAK

@@ -94,6 +94,8 @@ boost::asio::awaitable<CurlEngine::Transfer> CurlEngine::run(Transfer transfer) 
 }
 
 void CurlEngine::start(Transfer transfer, std::unique_ptr<Waiter<Transfer>> waiter) {
+  // Sent on a connection that the server has closed, such a request would be lost: it must not be sent twice.
+  if (running_.empty() && !isIdempotent(transfer->request.method)) io_->sockets.dropClosedByServer();
   CURL* easy = takeHandle();
   CURLcode code = easy == nullptr ? CURLE_OUT_OF_MEMORY : transfer->begin(easy, settings_);
   if (code == CURLE_OK) code = curl_easy_setopt(easy, CURLOPT_OPENSOCKETFUNCTION, &CurlEngine::onOpen);

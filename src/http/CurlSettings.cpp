@@ -3,7 +3,7 @@
 #include <openssl/ssl.h>
 
 #include <algorithm>
-#include <new>
+#include <initializer_list>
 #include <string_view>
 #include <utility>
 
@@ -55,7 +55,7 @@ void setTrust(Setter& set, const CurlSettings& settings) {
   set(CURLOPT_PROXY_CAPATH, static_cast<const char*>(nullptr));
   if (!settings.caFile.empty()) {
     set(CURLOPT_CAINFO, settings.caFile.c_str());
-    set(CURLOPT_PROXY_CAINFO, settings.caFile.c_str());
+    if (settings.options.proxy) set(CURLOPT_PROXY_CAINFO, settings.caFile.c_str());
   }
   set(CURLOPT_PROXY, settings.options.proxy.value_or("").c_str());
   set(CURLOPT_NOPROXY, "");
@@ -90,11 +90,18 @@ void setMethod(Setter& set, const TransferRequest& request) {
 
 }  // namespace
 
-void CurlList::add(const std::string& text) {
-  curl_slist* longer = curl_slist_append(list_.get(), text.c_str());
-  if (longer == nullptr) throw std::bad_alloc();
-  static_cast<void>(list_.release());
-  list_.reset(longer);
+CurlList::CurlList(const std::vector<Parts>& strings) : nodes_(strings.size()) {
+  std::size_t size = 0;
+  for (const Parts& parts : strings) {
+    for (const std::string_view part : parts) size += part.size();
+  }
+  characters_.resize(size + strings.size());
+  char* end = characters_.data();
+  for (std::size_t i = 0; i < nodes_.size(); ++i) {
+    nodes_[i] = {end, i + 1 < nodes_.size() ? &nodes_[i + 1] : nullptr};
+    for (const std::string_view part : strings[i]) end += part.copy(end, part.size());
+    *end++ = '\0';
+  }
 }
 
 CurlSettings::CurlSettings(TransportOptions options_) : options(std::move(options_)) {
@@ -104,22 +111,34 @@ CurlSettings::CurlSettings(TransportOptions options_) : options(std::move(option
   } else if (systemFile != nullptr) {
     caFile = systemFile;
   }
+  std::vector<std::string> entries;
+  entries.reserve(options.connectTo.size());
   for (const auto& entry : options.connectTo) {
-    connectTo.add(bracketed(entry.host) + ':' + port(entry.port) + ':' + bracketed(entry.toHost) + ':' +
-                  port(entry.toPort));
+    entries.push_back(bracketed(entry.host) + ':' + port(entry.port) + ':' + bracketed(entry.toHost) + ':' +
+                      port(entry.toPort));
   }
+  std::vector<CurlList::Parts> lines;
+  lines.reserve(entries.size());
+  for (const auto& entry : entries) lines.push_back({entry});
+  connectTo = CurlList(lines);
 }
 
 CurlList headerLines(const TransferRequest& request) {
-  CurlList lines;
+  constexpr std::array shut = {"Accept", "Accept-Encoding", "Expect", "Content-Type"};
+  std::vector<CurlList::Parts> lines;
+  lines.reserve(request.headers.elements().size() + shut.size());
   for (const auto& element : request.headers.elements()) {
     // `name:` would drop the field; `name;` sends it without a value.
-    lines.add(isBlank(element.value) ? element.name + ';' : element.name + ": " + element.value);
+    if (isBlank(element.value)) {
+      lines.push_back({element.name, ";"});
+    } else {
+      lines.push_back({element.name, ": ", element.value});
+    }
   }
-  for (const char* name : {"Accept", "Accept-Encoding", "Expect", "Content-Type"}) {
-    if (!request.headers.value(name)) lines.add(std::string(name) + ':');
+  for (const char* name : shut) {
+    if (!request.headers.contains(name)) lines.push_back({name, ":"});
   }
-  return lines;
+  return CurlList(lines);
 }
 
 CURLcode configure(CURL* easy, const CurlSettings& settings, const TransferRequest& request, const CurlList& lines) {

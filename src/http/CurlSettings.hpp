@@ -5,22 +5,33 @@
 
 #include <curl/curl.h>
 
-#include <memory>
+#include <array>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace ZAK {
 
-/// libcurl's list of strings, owned.
+/// A list of strings in the form that libcurl reads, in two pieces of memory rather than two a string.
 class CurlList {
  public:
-  void add(const std::string& text);
-  [[nodiscard]] curl_slist* get() const noexcept { return list_.get(); }
+  /// What a string is joined of.
+  using Parts = std::array<std::string_view, 3>;
+
+  CurlList() = default;
+  explicit CurlList(const std::vector<Parts>& strings);
+  CurlList(CurlList&&) = default;
+  CurlList& operator=(CurlList&&) = default;
+
+  /// Null when the list is empty. Must not be changed, which libcurl's types do not say.
+  [[nodiscard]] curl_slist* get() const noexcept {
+    return nodes_.empty() ? nullptr : const_cast<curl_slist*>(nodes_.data());
+  }
 
  private:
-  struct Free {
-    void operator()(curl_slist* list) const noexcept { curl_slist_free_all(list); }
-  };
-  std::unique_ptr<curl_slist, Free> list_;
+  // Vectors, since their content stays in its place when they are moved.
+  std::vector<char> characters_;
+  std::vector<curl_slist> nodes_;
 };
 
 /// The options of a transport in the form that libcurl takes. Immutable; must outlive the transfers that use it.

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <system_error>
 #include <unistd.h>
@@ -14,6 +16,12 @@ int createSet() {
   const int number = ::epoll_create1(EPOLL_CLOEXEC);
   if (number < 0) throw std::system_error(errno, std::generic_category(), "epoll_create1");
   return number;
+}
+
+/// Tells a socket from another that got its number later; 0 when there is none.
+std::uint64_t identity(curl_socket_t number) {
+  struct stat status {};
+  return ::fstat(number, &status) == 0 && S_ISSOCK(status.st_mode) ? status.st_ino : 0;
 }
 
 }  // namespace
@@ -29,7 +37,20 @@ bool CurlSockets::control(int operation, curl_socket_t number, std::uint32_t eve
 }
 
 void CurlSockets::opened(curl_socket_t number) {
+  opened_[number] = identity(number);
   if (const auto found = wanted_.find(number); found != wanted_.end()) control(EPOLL_CTL_ADD, number, found->second);
+}
+
+void CurlSockets::dropClosedByServer() {
+  std::erase_if(opened_, [](const auto& socket) { return identity(socket.first) != socket.second; });
+  for (const auto& [number, inode] : opened_) {
+    std::array<char, 4096> ignored;
+    const auto receive = [&, socket = number] { return ::recv(socket, ignored.data(), ignored.size(), MSG_DONTWAIT); };
+    if (::recv(number, ignored.data(), 1, MSG_PEEK | MSG_DONTWAIT) < 0) continue;
+    while (receive() > 0) {  // what is left unread would still look like life
+    }
+    ::shutdown(number, SHUT_RDWR);
+  }
 }
 
 bool CurlSockets::watch(curl_socket_t number, int what) {

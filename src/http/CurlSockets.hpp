@@ -33,6 +33,10 @@ class CurlSockets {
   /// To be told of every socket that is opened for libcurl: what it wants to know of an earlier one of that number it
   /// takes for granted with the new one.
   void opened(curl_socket_t number);
+  /// Ends for good the connections on which something came that nobody asked for, so that libcurl opens others: the
+  /// server has closed them. libcurl itself takes the farewell of TLS for a sign of life. To be called only while no
+  /// transfer runs.
+  void dropClosedByServer();
   /// Changes what libcurl wants to know of a socket, in CURL_POLL_ values. False when the kernel refuses.
   [[nodiscard]] bool watch(curl_socket_t number, int what);
   /// True once after a socket was given up that never got connected.
@@ -48,6 +52,8 @@ class CurlSockets {
   boost::asio::posix::basic_stream_descriptor<ContextStrand::Executor> set_;
   std::weak_ptr<void> owner_;
   Ready ready_;
+  /// The inode of each socket opened: its number may be somebody else's by now.
+  std::unordered_map<curl_socket_t, std::uint64_t> opened_;
   /// Epoll's events by socket.
   std::unordered_map<curl_socket_t, std::uint32_t> wanted_;
   bool waiting_ = false;

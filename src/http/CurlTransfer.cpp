@@ -2,6 +2,8 @@
 
 #include "http/TransferError.hpp"
 
+#include <zvapikit/json/JSONDecoder.hpp>
+
 #include <algorithm>
 
 namespace ZAK {
@@ -48,12 +50,19 @@ CURLcode CurlTransfer::begin(CURL* easy, const CurlSettings& settings) {
   curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
   curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &CurlTransfer::onBody);
   curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
+  if (!isIdempotent(request.method)) {
+    // Where this cannot be watched the transfer must not start.
+    CURLcode code = curl_easy_setopt(easy, CURLOPT_PREREQFUNCTION, &CurlTransfer::onSend);
+    if (code == CURLE_OK) code = curl_easy_setopt(easy, CURLOPT_PREREQDATA, this);
+    if (code != CURLE_OK) return code;
+  }
   return configure(easy, settings, request, lines_);
 }
 
 void CurlTransfer::end(CURLcode code) {
   auto& response = result.response;
   response.statusCode = head_.statusCode();
+  if (code == CURLE_OK && head_.contradictsItself()) code = CURLE_WEIRD_SERVER_REPLY;
   response.headers = head_.takeHeaders();
   collectMetrics();
   // A connection that ends within the head is no error to libcurl.
@@ -75,6 +84,7 @@ HTTPError CurlTransfer::errorOf(CURLcode code) const {
   failure.systemError = static_cast<int>(info<long>(easy_, CURLINFO_OS_ERRNO));
   failure.verifyResult = info<long>(easy_, CURLINFO_SSL_VERIFYRESULT);
   failure.connected = head_.started() || info<curl_off_t>(easy_, CURLINFO_PRETRANSFER_TIME_T) > 0;
+  failure.headTooLarge = head_.tooLarge() || (code == CURLE_OUT_OF_MEMORY && head_.started());
   failure.bodyTooLarge = bodyTooLarge_;
   return transferError(failure);
 }
@@ -95,9 +105,18 @@ void CurlTransfer::collectMetrics() {
   metrics.secureConnect = duration(easy_, CURLINFO_APPCONNECT_TIME_T);
 }
 
+int CurlTransfer::onSend(void* transfer, char*, char*, int, int) noexcept {
+  auto& self = *static_cast<CurlTransfer*>(transfer);
+  // Counts what a proxy was asked as well, so that only what is added to it from here on is the request's.
+  const long sent = info<long>(self.easy_, CURLINFO_REQUEST_SIZE);
+  if (!self.sentAtFirst_) self.sentAtFirst_ = sent;
+  return sent > *self.sentAtFirst_ ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
+}
+
 std::size_t CurlTransfer::onHeader(char* data, std::size_t size, std::size_t count, void* transfer) noexcept {
-  static_cast<CurlTransfer*>(transfer)->head_.add({data, size * count});
-  return size * count;
+  auto& head = static_cast<CurlTransfer*>(transfer)->head_;
+  head.add({data, size * count});
+  return head.tooLarge() ? 0 : size * count;
 }
 
 std::size_t CurlTransfer::onBody(char* data, std::size_t size, std::size_t count, void* transfer) noexcept {
@@ -110,7 +129,8 @@ bool CurlTransfer::append(std::string_view bytes) {
   if (bodyTooLarge_) return false;
   if (body.empty()) {
     body.reserve(std::min<std::uint64_t>(byteCount(easy_, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T),
-                                         std::min(largestReserve, maximumBodySize_)));
+                                         std::min(largestReserve, maximumBodySize_)) +
+                 JSONBody::wantedPadding);
   }
   body.append(bytes);
   return true;

@@ -35,6 +35,9 @@ class CurlTransfer {
   void end(CURLcode code);
 
  private:
+  /// Called before each sending. When a connection that was used before ends without an answer, libcurl sends the
+  /// request on another, whatever its method; the server may have acted on it by then.
+  static int onSend(void* transfer, char* remote, char* local, int remotePort, int localPort) noexcept;
   static std::size_t onHeader(char* data, std::size_t size, std::size_t count, void* transfer) noexcept;
   static std::size_t onBody(char* data, std::size_t size, std::size_t count, void* transfer) noexcept;
   bool append(std::string_view bytes);
@@ -44,6 +47,8 @@ class CurlTransfer {
   CURL* easy_ = nullptr;
   CurlList lines_;
   ResponseHead head_;
+  /// Bytes of requests that had gone out when this one was about to be sent for the first time.
+  std::optional<long> sentAtFirst_;
   std::size_t maximumBodySize_ = 0;
   bool bodyTooLarge_ = false;
 };

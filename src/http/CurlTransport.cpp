@@ -31,15 +31,15 @@ boost::asio::awaitable<TransferResult> performOn(std::shared_ptr<CurlEngine> eng
     const auto earlier = std::chrono::floor<microseconds>(std::chrono::steady_clock::now() - begin);
     auto started = std::make_shared<CurlTransfer>(std::move(request));
     const auto transfer = co_await engine->run(std::move(started));
-    request = std::move(transfer->request);
     auto& response = transfer->result.response;
-    const auto step = nextStep(request, response, transfer->redirectTarget, redirects.size());
+    const auto step = nextStep(transfer->request, response, transfer->redirectTarget, redirects.size());
     if (!step.destination) {
       if (step.error) response.error = step.error;
       account(response.metrics, earlier, redirects.size());
       transfer->result.redirects = std::move(redirects);
       co_return std::move(transfer->result);
     }
+    request = std::move(transfer->request);
     redirect(request, *step.destination);
     redirects.push_back(*step.destination);
   }

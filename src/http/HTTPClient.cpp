@@ -106,7 +106,7 @@ class Call {
     for (const URL& destination : result.redirects) {
       tell([&](HTTPClientDelegate& delegate) { delegate.didRedirect(*request_, destination); });
     }
-    if (response.headers.value("WWW-Authenticate")) {
+    if (response.headers.contains("WWW-Authenticate")) {
       tell([&](HTTPClientDelegate& delegate) { delegate.didReceiveAuthenticationChallenge(*request_, response); });
     }
     tell([&](HTTPClientDelegate& delegate) { delegate.didCollectMetrics(*request_, response.metrics); });

@@ -59,7 +59,22 @@ void HTTPHeaders::set(Element element) {
   }
 }
 
+void HTTPHeaders::add(Element element) {
+  constexpr std::size_t usualCount = 12;
+  if (elements_.empty()) elements_.reserve(usualCount);
+  const auto found = std::find_if(elements_.begin(), elements_.end(), isNamed(element.name));
+  if (found == elements_.end()) {
+    elements_.push_back(std::move(element));
+  } else {
+    found->value.append(", ").append(element.value);
+  }
+}
+
 void HTTPHeaders::remove(std::string_view name) { std::erase_if(elements_, isNamed(name)); }
+
+bool HTTPHeaders::contains(std::string_view name) const noexcept {
+  return std::any_of(elements_.begin(), elements_.end(), isNamed(name));
+}
 
 std::optional<std::string> HTTPHeaders::value(std::string_view name) const {
   const auto found = std::find_if(elements_.begin(), elements_.end(), isNamed(name));

@@ -18,7 +18,8 @@ namespace {
 /// A user in front of the host would be sent as credentials of its own, and parsers differ on where the host begins.
 bool carriesCredentials(std::string_view url) noexcept {
   const std::size_t authority = url.find("//") + 2;
-  return url.substr(0, url.find_first_of("/?#", authority)).find('@') != std::string_view::npos;
+  const std::size_t mark = url.find('@', authority);
+  return mark != std::string_view::npos && mark < url.find_first_of("/?#", authority);
 }
 
 URL wholeURL(const HTTPRequest& request, const std::optional<URL>& baseURL) {
@@ -29,7 +30,7 @@ URL wholeURL(const HTTPRequest& request, const std::optional<URL>& baseURL) {
     text = joined(baseURL->string(), text);
   }
   const std::optional<URL> url = URL::parse(withQuery(std::move(text), request.queryItems()));
-  if (!url || url->host().empty()) refuse("the URL is not valid");
+  if (!url) refuse("the URL is not valid");
   if (url->scheme() != "https") refuse("the URL is not https");
   if (carriesCredentials(url->string())) refuse("the URL carries credentials");
   return *url;
@@ -51,7 +52,8 @@ HTTPHeaders mergedHeaders(const HTTPRequest& request, const HTTPHeaders& default
   for (const HTTPHeaders::Element& element : request.headers.elements()) headers.set(element);
   for (const HTTPHeaders::Element& element : headers.elements()) {
     if (!isToken(element.name)) refuse("the name of a header is not valid");
-    if (element.value.find_first_of(std::string_view("\r\n\0", 3)) != std::string::npos) {
+    if (std::any_of(element.value.begin(), element.value.end(),
+                    [](char c) { return c == '\r' || c == '\n' || c == '\0'; })) {
       refuse("the value of header " + element.name + " holds a line break or NUL");
     }
   }
@@ -69,7 +71,7 @@ PreparedRequest prepared(const HTTPRequest& request, const RequestDefaults& defa
   transfer.body = request.body;
   transfer.timeout = request.timeout;
   transfer.maxRedirects = request.maxRedirects.value_or(defaults.maxRedirects);
-  if (request.isAbsolute() && defaults.baseURL && transfer.headers.value("Authorization") &&
+  if (request.isAbsolute() && defaults.baseURL && transfer.headers.contains("Authorization") &&
       !result.url.hasSameOrigin(*defaults.baseURL)) {
     refuse("a client's Authorization is for its own server only");
   }

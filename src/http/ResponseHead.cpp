@@ -1,14 +1,16 @@
 #include "http/ResponseHead.hpp"
 
+#include <algorithm>
 #include <charconv>
 
 namespace ZAK {
 namespace {
 
 std::string_view trimmed(std::string_view text) {
-  const auto first = text.find_first_not_of(" \t\r\n");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
+  const auto isBlank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
+  while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+  return text;
 }
 
 /// The number after the version of a status line; 0 when there is none.
@@ -25,6 +27,7 @@ int statusOf(std::string_view line) {
 
 void ResponseHead::add(std::string_view line) {
   started_ = true;
+  size_ += line.size();
   if (line.starts_with("HTTP/")) {
     const int status = statusOf(line);
     inHead_ = status >= 200;
@@ -40,14 +43,20 @@ void ResponseHead::add(std::string_view line) {
   } else if (line.front() == ' ' || line.front() == '\t') {
     if (!lastName_.empty()) headers_.set({lastName_, headers_.value(lastName_).value_or("") + ' ' + std::string(text)});
   } else if (const auto colon = text.find(':'); colon != std::string_view::npos) {
-    addField(std::string(trimmed(text.substr(0, colon))), std::string(trimmed(text.substr(colon + 1))));
+    lastName_ = trimmed(text.substr(0, colon));
+    headers_.add({lastName_, std::string(trimmed(text.substr(colon + 1)))});
   }
 }
 
-void ResponseHead::addField(std::string name, std::string value) {
-  lastName_ = name;
-  if (const auto earlier = headers_.value(name)) value = *earlier + ", " + value;
-  headers_.set({std::move(name), std::move(value)});
+bool ResponseHead::contradictsItself() const {
+  const std::string lengths = headers_.value("Content-Length").value_or("");
+  const std::string_view first = std::string_view(lengths).substr(0, lengths.find(','));
+  for (auto comma = first.size(); comma < lengths.size();) {
+    const auto end = std::min(lengths.find(',', comma + 1), lengths.size());
+    if (trimmed(std::string_view(lengths).substr(comma + 1, end - comma - 1)) != first) return true;
+    comma = end;
+  }
+  return false;
 }
 
 }  // namespace ZAK

@@ -3,6 +3,7 @@
 #include <zvapikit/http/HTTPHeaders.hpp>
 #include <zvapikit/http/HTTPStatusCode.hpp>
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -19,18 +20,23 @@ class ResponseHead {
   [[nodiscard]] bool started() const noexcept { return started_; }
   /// True once the blank line that ends the head of a final answer has come.
   [[nodiscard]] bool complete() const noexcept { return statusCode_.code() != 0 && !inHead_; }
+  /// True when the answer claims several lengths (RFC 9112, 6.3): where it ends cannot be known.
+  [[nodiscard]] bool contradictsItself() const;
+  /// True when the lines are more than any server of good will sends.
+  [[nodiscard]] bool tooLarge() const noexcept { return size_ > largest; }
   /// 0 until the status line of a final answer has come.
   [[nodiscard]] HTTPStatusCode statusCode() const noexcept { return statusCode_; }
   /// Fields that came several times are joined by commas (RFC 9110, 5.3).
   [[nodiscard]] HTTPHeaders takeHeaders() { return std::move(headers_); }
 
  private:
-  void addField(std::string name, std::string value);
+  static constexpr std::size_t largest = std::size_t{256} << 10;
 
   HTTPHeaders headers_;
   /// Name of the field that a folded line continues.
   std::string lastName_;
   HTTPStatusCode statusCode_;
+  std::size_t size_ = 0;
   bool started_ = false;
   bool inHead_ = false;
 };

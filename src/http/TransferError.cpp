@@ -35,6 +35,7 @@ Verdict handshakeVerdict(long verifyResult, const char* otherwise) {
 }
 
 Verdict verdict(const TransferFailure& failure) {
+  if (failure.headTooLarge) return {Kind::answerTooLarge, "the headers of the answer are too large"};
   if (failure.bodyTooLarge) return {Kind::answerTooLarge, "the answer is too large"};
   switch (failure.code) {
     case CURLE_COULDNT_RESOLVE_HOST:
@@ -69,6 +70,7 @@ Verdict verdict(const TransferFailure& failure) {
     case CURLE_SEND_FAIL_REWIND:
     case CURLE_HTTP2:
     case CURLE_HTTP2_STREAM:
+    case CURLE_ABORTED_BY_CALLBACK:  // the request would have been sent twice
       return {Kind::connectionLost, "connection lost"};
 
     case CURLE_WEIRD_SERVER_REPLY:

@@ -19,6 +19,8 @@ struct TransferFailure {
   bool connected = false;
   /// The body was longer than allowed.
   bool bodyTooLarge = false;
+  /// The headers were longer than allowed. A single line of such a length is lack of memory to libcurl.
+  bool headTooLarge = false;
 };
 
 [[nodiscard]] HTTPError transferError(const TransferFailure& failure);

@@ -55,7 +55,7 @@ bool hasScheme(std::string_view uri) noexcept {
 }
 
 std::string joined(std::string_view base, std::string_view path) {
-  base = base.substr(0, base.find_first_of("?#"));
+  base = base.substr(0, std::min(base.find('?'), base.find('#')));
   while (base.ends_with('/')) base.remove_suffix(1);
   if (path.starts_with('/')) path.remove_prefix(1);
   return std::string(base).append("/").append(path);

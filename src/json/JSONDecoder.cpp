@@ -6,6 +6,8 @@
 namespace ZAK {
 namespace {
 
+static_assert(JSONBody::wantedPadding >= simdjson::SIMDJSON_PADDING);
+
 /// Above this a parser is not kept for the next body.
 constexpr std::size_t retainedCapacity = std::size_t{1} << 20;
 
@@ -46,7 +48,7 @@ class Parser {
     if (parser_.max_depth() != depth) {
       if (const auto error = parser_.allocate(parser_.capacity(), depth)) return error;
     }
-    return parser_.parse(text.data(), text.size(), padding < simdjson::SIMDJSON_PADDING).get(root);
+    return parser_.parse(text.data(), text.size(), padding < JSONBody::wantedPadding).get(root);
   }
 
   static thread_local simdjson::dom::parser shared;

@@ -19,30 +19,37 @@ namespace {
 using Kind = JSONType::Kind;
 
 template <class Number>
-void append(std::string& text, Number number) {
-  std::array<char, 32> buffer;
-  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number).ptr;
-  text.append(buffer.data(), end);
+void append(TextBuffer& text, Number number) {
+  constexpr std::size_t longest = 32;
+  char* const start = text.room(longest);
+  text.advance(std::to_chars(start, start + longest, number).ptr);
 }
 
-/// True for printable ASCII without `"` and `\`, which needs neither escapes nor a look at its encoding.
-bool isPlain(std::string_view text) noexcept {
+/// Copies the text, and tells whether it is printable ASCII without `"` and `\`, which needs neither escapes nor a look
+/// at its encoding.
+bool copyIfPlain(std::string_view text, char* to) noexcept {
   // Eight bytes at a time; a lane's top bit tells that the byte is one of the others.
   constexpr std::uint64_t ones = 0x0101010101010101, tops = 0x8080808080808080;
-  const auto unusual = [](std::uint64_t word) {
-    const std::uint64_t quote = word ^ (ones * '"'), backslash = word ^ (ones * '\\');
-    return (word | (word - ones * 0x20) | (quote - ones) | (backslash - ones)) & tops;
-  };
   std::uint64_t found = 0;
-  std::size_t i = 0;
-  std::uint64_t word;
-  for (; i + sizeof word <= text.size(); i += sizeof word) {
-    std::memcpy(&word, text.data() + i, sizeof word);
-    found |= unusual(word);
+  const auto copy = [&]<class Word>(Word word, std::size_t position) {
+    std::memcpy(&word, text.data() + position, sizeof word);
+    std::memcpy(to + position, &word, sizeof word);
+    const Word one = static_cast<Word>(ones);
+    const std::uint64_t quote = word ^ static_cast<Word>(one * '"'), backslash = word ^ static_cast<Word>(one * '\\');
+    found |= (word | (word - one * 0x20u) | (quote - one) | (backslash - one)) & static_cast<Word>(tops);
+  };
+  // The last word overlaps the one before it where the size is no multiple.
+  const std::size_t size = text.size();
+  if (size >= 8) {
+    for (std::size_t i = 0; i + 8 < size; i += 8) copy(std::uint64_t{}, i);
+    copy(std::uint64_t{}, size - 8);
+  } else if (size >= 4) {
+    copy(std::uint32_t{}, 0);
+    copy(std::uint32_t{}, size - 4);
+  } else {
+    for (std::size_t i = 0; i < size; ++i) copy(std::uint8_t{}, i);
   }
-  word = ones * ' ';
-  std::memcpy(&word, text.data() + i, text.size() - i);
-  return (found | unusual(word)) == 0;
+  return found == 0;
 }
 
 }  // namespace
@@ -60,8 +67,7 @@ void JSONOutput::write(const JSONType& type, const void* value) {
     case Kind::rawValue:
       return writeRawValue(type, value);
     case Kind::boolean:
-      text_ += *static_cast<const bool*>(value) ? "true" : "false";
-      return;
+      return text_.append(std::string_view(*static_cast<const bool*>(value) ? "true" : "false"));
     case Kind::number:
       return writeNumber(*static_cast<const double*>(value));
     case Kind::date:
@@ -72,8 +78,7 @@ void JSONOutput::write(const JSONType& type, const void* value) {
       return writeMap(type, value);
     case Kind::optional:
       if (const void* content = type.content(value)) return write(*type.element, content);
-      text_ += "null";
-      return;
+      return text_.append("null");
     case Kind::integer: {
       std::int64_t wide = 0;
       std::int32_t narrow = 0;
@@ -94,40 +99,47 @@ void JSONOutput::write(const JSONType& type, const void* value) {
 }
 
 void JSONOutput::writeString(std::string_view text) {
-  text_ += '"';
-  if (isPlain(text)) {
-    text_ += text;
-  } else {
-    writeEscaped(text);
-  }
-  text_ += '"';
+  char* const start = text_.room(text.size() + 2);
+  if (!copyIfPlain(text, start + 1)) return writeEscaped(text);
+  *start = '"';
+  start[text.size() + 1] = '"';
+  text_.advance(start + text.size() + 2);
 }
 
 void JSONOutput::writeEscaped(std::string_view text) {
   if (!simdjson::validate_utf8(text)) fail("The text is not valid UTF-8.");
   constexpr std::string_view shortNames = "btn?fr";  // of the characters 8 to 13; 11 has none
   constexpr std::string_view digits = "0123456789abcdef";
+  constexpr std::size_t longestEscape = 6;
+  char* to = text_.room(longestEscape * text.size() + 2);
+  *to++ = '"';
   for (const char c : text) {
     const auto byte = static_cast<unsigned char>(c);
-    if (c == '"' || c == '\\') {
-      text_ += '\\';
-      text_ += c;
-    } else if (byte >= 0x20) {
-      text_ += c;
+    if (byte >= 0x20 && c != '"' && c != '\\') {
+      *to++ = c;
+      continue;
+    }
+    *to++ = '\\';
+    if (byte >= 0x20) {
+      *to++ = c;
     } else if (byte >= 8 && byte <= 13 && byte != 11) {
-      text_ += '\\';
-      text_ += shortNames[byte - 8u];
+      *to++ = shortNames[byte - 8u];
     } else {
-      text_ += "\\u00";
-      text_ += digits[byte >> 4];
-      text_ += digits[byte & 15];
+      for (const char escape : {'u', '0', '0', digits[byte >> 4], digits[byte & 15]}) *to++ = escape;
     }
   }
+  *to++ = '"';
+  text_.advance(to);
 }
 
 void JSONOutput::writeNumber(double number) {
   if (!std::isfinite(number)) fail("The number is not finite.");
-  append(text_, number);
+  // Sizes in pixels are mostly whole. Below this their text is the same either way.
+  if (number >= 1 && number < 100'000 && std::trunc(number) == number) {
+    append(text_, static_cast<std::int64_t>(number));
+  } else {
+    append(text_, number);
+  }
 }
 
 void JSONOutput::writeRawValue(const JSONType& type, const void* value) {
@@ -142,12 +154,12 @@ void JSONOutput::writeDate(Date date) {
     const auto distance = date - referenceDate;
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(distance);
     const auto microseconds = std::abs((distance - seconds).count());
-    if (distance.count() < 0 && seconds.count() == 0) text_ += '-';
+    if (distance.count() < 0 && seconds.count() == 0) text_.append('-');
     append(text_, static_cast<std::int64_t>(seconds.count()));
     if (microseconds == 0) return;
     const std::string fraction = std::to_string(1'000'000 + microseconds);
-    text_ += '.';
-    text_.append(fraction, 1, fraction.find_last_not_of('0'));
+    text_.append('.');
+    text_.append(std::string_view(fraction).substr(1, fraction.find_last_not_of('0')));
     return;
   }
   const std::string text = JavaScriptISO8601DateFormatter::string(date);
@@ -162,14 +174,14 @@ void JSONOutput::writeArray(const JSONType& type, const void* array) {
     CodingFrameScope frame;
     std::size_t index = 0;
   } walk{*this, *type.element, {frame_, true}};
-  text_ += '[';
+  text_.append('[');
   type.forEach(array, &walk, [](void* context, std::string_view, const void* element) {
     Walk& at = *static_cast<Walk*>(context);
-    if (at.index > 0) at.output.text_ += ',';
+    if (at.index > 0) at.output.text_.append(',');
     at.frame.enter(at.index++);
     at.output.write(at.element, element);
   });
-  text_ += ']';
+  text_.append(']');
 }
 
 void JSONOutput::writeMap(const JSONType& type, const void* map) {
@@ -195,19 +207,19 @@ void JSONOutput::writeRecord(const JSONType& type, const void* record) {
   endObject();
 }
 
-void JSONOutput::beginObject() { text_ += '{'; }
+void JSONOutput::beginObject() { text_.append('{'); }
 
 void JSONOutput::writeField(std::string_view key, const JSONType& type, const void* value) {
   if (type.kind == Kind::optional && !type.writesNull && !type.content(value)) return;
-  if (text_.back() != '{') text_ += ',';
+  if (text_.last() != '{') text_.append(',');
   CodingFrameScope frame(frame_, false);
   frame.enter(key);
   writeString(key);
-  text_ += ':';
+  text_.append(':');
   write(type, value);
 }
 
-void JSONOutput::endObject() { text_ += '}'; }
+void JSONOutput::endObject() { text_.append('}'); }
 
 }  // namespace ZAK::detail
 
@@ -216,7 +228,7 @@ namespace ZAK {
 std::string JSONEncoder::encode(const JSONType& type, const void* value) const {
   detail::JSONOutput output(dates_);
   output.write(type, value);
-  return output.takeText();
+  return output.text();
 }
 
 void JSONWriter::beginObject() { output_->beginObject(); }

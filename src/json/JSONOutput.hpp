@@ -1,6 +1,7 @@
 #pragma once
 
 #include "json/CodingFrame.hpp"
+#include "json/TextBuffer.hpp"
 
 #include <zvapikit/json/JSONDateStrategy.hpp>
 #include <zvapikit/json/JSONType.hpp>
@@ -20,7 +21,7 @@ class JSONOutput {
   void writeField(std::string_view key, const JSONType& type, const void* value);
   void endObject();
 
-  std::string takeText() { return std::move(text_); }
+  [[nodiscard]] std::string text() const { return text_.string(); }
 
  private:
   void writeString(std::string_view text);
@@ -33,7 +34,7 @@ class JSONOutput {
   void writeRecord(const JSONType& type, const void* record);
   [[noreturn]] void fail(std::string description) const;
 
-  std::string text_;
+  TextBuffer text_;
   const JSONDateStrategy dates_;
   const CodingFrame* frame_ = nullptr;
 };

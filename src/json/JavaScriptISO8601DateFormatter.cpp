@@ -1,7 +1,5 @@
 #include <zvapikit/json/JavaScriptISO8601DateFormatter.hpp>
 
-#include <array>
-
 namespace ZAK {
 namespace {
 
@@ -78,15 +76,6 @@ std::optional<Date> instant(std::string_view text, std::size_t end, milliseconds
   return hasText(result) ? std::optional(result) : std::nullopt;
 }
 
-/// Appends a number of at least `digits` digits.
-void append(std::string& text, long long value, int digits) {
-  std::array<char, 20> buffer;
-  char* const end = buffer.data() + buffer.size();
-  char* start = end;
-  for (; digits > 0 || value > 0; --digits, value /= 10) *--start = static_cast<char>('0' + value % 10);
-  text.append(start, end);
-}
-
 }  // namespace
 
 std::optional<Date> JavaScriptISO8601DateFormatter::fractional(std::string_view text) noexcept {
@@ -119,22 +108,18 @@ std::string JavaScriptISO8601DateFormatter::string(Date date) {
   const std::chrono::year_month_day ymd{day};
   const long long ofDay = (rounded - day).count();
 
-  std::string text;
-  text.reserve(24);
-  append(text, int(ymd.year()), 4);
-  text += '-';
-  append(text, unsigned(ymd.month()), 2);
-  text += '-';
-  append(text, unsigned(ymd.day()), 2);
-  text += 'T';
-  append(text, ofDay / 3'600'000, 2);
-  text += ':';
-  append(text, ofDay / 60'000 % 60, 2);
-  text += ':';
-  append(text, ofDay / 1000 % 60, 2);
-  text += '.';
-  append(text, ofDay % 1000, 3);
-  text += 'Z';
+  std::string text = "0000-00-00T00:00:00.000Z";
+  // Writes the number so that its last digit stands before `end`.
+  const auto write = [&text](std::size_t end, long long number) {
+    for (; number > 0; number /= 10) text[--end] = static_cast<char>('0' + number % 10);
+  };
+  write(4, int(ymd.year()));
+  write(7, unsigned(ymd.month()));
+  write(10, unsigned(ymd.day()));
+  write(13, ofDay / 3'600'000);
+  write(16, ofDay / 60'000 % 60);
+  write(19, ofDay / 1000 % 60);
+  write(23, ofDay % 1000);
   return text;
 }
 

@@ -1,10 +1,13 @@
 #include "keychain/SecretServiceClient.hpp"
 
+#include <chrono>
+#include <thread>
+
 namespace ZAK {
 namespace {
 
 /// How often an operation starts again when an item goes away under its hands.
-constexpr int attempts = 3;
+constexpr int attempts = 20;
 
 const SecretSchema& schema() {
   static const SecretSchema schema = {"com.zolvi.ZVApiKit.Item",
@@ -163,6 +166,7 @@ auto lookingAgain(Operation operation) {
     } catch (const KeychainError& error) {
       if (error.status() != KeychainStatus::noDefaultKeychain) throw;
     }
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));  // this is the call's own thread
   }
   return operation();
 }

@@ -46,7 +46,7 @@ std::string SelectedKeychain::recordedBackend() const {
     constexpr std::size_t longest = 64;
     const PrivateDirectory directory = PrivateDirectory::create(directory_);
     if (auto record = directory.read(recordName, longest)) return *std::move(record);
-    const std::string choice(answers(*secretService_) ? secretServiceBackend : fileBackend);
+    std::string choice(answers(*secretService_) ? secretServiceBackend : fileBackend);
     if (directory.createNew(recordName, choice)) return choice;
     return directory.read(recordName, longest).value_or("");  // another process was first
   });

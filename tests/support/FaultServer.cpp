@@ -30,11 +30,15 @@ std::size_t bodyLength(std::string head) {
 
 }  // namespace
 
-FaultServer::FaultServer(const TestCertificate& certificate, Script script)
+FaultServer::FaultServer(const TestCertificate& certificate, Script script, int newestTLS)
     : script_(std::move(script)), context_(SSL_CTX_new(TLS_server_method()), SSL_CTX_free) {
   SSL_CTX_use_certificate(context_.get(), certificate.certificate.get());
   if (certificate.intermediate) SSL_CTX_add1_chain_cert(context_.get(), certificate.intermediate.get());
   SSL_CTX_use_PrivateKey(context_.get(), certificate.key.get());
+  if (newestTLS != 0) {
+    SSL_CTX_set_max_proto_version(context_.get(), newestTLS);
+    SSL_CTX_set_security_level(context_.get(), 0);  // what is old is allowed on no other
+  }
   listener_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
   sockaddr_in address{};
   address.sin_family = AF_INET;
@@ -59,7 +63,7 @@ FaultServer::~FaultServer() {
       if (connection.number_ >= 0) ::shutdown(connection.number_, SHUT_RDWR);
     }
   }
-  for (auto& worker : workers_) worker.join();
+  for (auto& connection : open_) connection.worker_.join();
 }
 
 std::string FaultServer::url(std::string_view path, std::string_view host) const {
@@ -79,13 +83,25 @@ void FaultServer::acceptConnections() {
     const int number = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
     if (number < 0) return;
     const std::lock_guard lock(mutex_);
+    open_.remove_if([](Connection& connection) {
+      if (!connection.served_) return false;
+      connection.worker_.join();
+      return true;
+    });
     auto& connection = open_.emplace_back(*this, number);
     connection.index_ = connections_++;
-    workers_.emplace_back([this, &connection] {
+    connection.worker_ = std::thread([this, &connection] {
       script_(connection);
       connection.finish();
+      connection.served_ = true;
     });
   }
+}
+
+void FaultServer::Connection::greet(std::string_view bytes) {
+  char buffer[4096];
+  if (number_ < 0 || ::recv(number_, buffer, sizeof(buffer), 0) <= 0) return;
+  if (!bytes.empty()) static_cast<void>(::send(number_, bytes.data(), bytes.size(), MSG_NOSIGNAL));
 }
 
 bool FaultServer::Connection::handshake() {

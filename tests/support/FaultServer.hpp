@@ -23,7 +23,8 @@ class FaultServer {
   /// What happens to a connection, from its acceptance on. At its end the connection is closed in an orderly way.
   using Script = std::function<void(Connection&)>;
 
-  FaultServer(const TestCertificate& certificate, Script script);
+  /// `newestTLS` is a version of OpenSSL's, such as TLS1_1_VERSION; 0 means the newest there is.
+  FaultServer(const TestCertificate& certificate, Script script, int newestTLS = 0);
   /// Ends all connections.
   ~FaultServer();
   FaultServer(const FaultServer&) = delete;
@@ -54,7 +55,6 @@ class FaultServer {
   std::atomic<std::size_t> bytes_{0};
   std::mutex mutex_;
   std::list<Connection> open_;
-  std::list<std::thread> workers_;
   std::thread acceptor_;
 };
 
@@ -66,6 +66,8 @@ class FaultServer::Connection {
   /// Counts from 0 in the order of acceptance.
   [[nodiscard]] int index() const noexcept { return index_; }
 
+  /// Takes the first bytes that the client sends and answers with these, both below TLS.
+  void greet(std::string_view bytes);
   /// False when the client refused.
   bool handshake();
   /// The next request with its body; empty when the client has closed.
@@ -90,6 +92,8 @@ class FaultServer::Connection {
   int index_ = 0;
   std::shared_ptr<SSL> tls_;
   std::string received_;
+  std::thread worker_;
+  std::atomic<bool> served_{false};
 };
 
 }  // namespace ZAK::test

@@ -22,5 +22,6 @@ cat >"$session/bus.conf" <<END
 END
 
 unset DISPLAY WAYLAND_DISPLAY GNOME_KEYRING_CONTROL XDG_DATA_HOME XDG_CONFIG_HOME XDG_CACHE_HOME
+export TSAN_OPTIONS="suppressions=$(dirname "$0")/tsan.supp:${TSAN_OPTIONS:-}"
 export HOME=$session/home XDG_RUNTIME_DIR=$session/runtime
 dbus-run-session --config-file="$session/bus.conf" -- "$@"

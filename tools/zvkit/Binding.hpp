@@ -20,7 +20,16 @@ namespace zvkit {
 /// How an argument is read from JSON and named to people.
 template <class T>
 struct ArgumentType {
-  static T read(const nlohmann::json& value) { return ZAK::JSONDecoder().decode<T>(value.dump()); }
+  static T read(const nlohmann::json& value) {
+    if constexpr (ZAK::RawRepresentable<T>) {
+      // Strictly, also where the kit itself reads an unknown text as the last case.
+      const auto known = ZAK::fromRawValue<T>(value.get<std::string>());
+      if (!known) throw UsageError("must be one of " + name());
+      return *known;
+    } else {
+      return ZAK::JSONDecoder().decode<T>(value.dump());
+    }
+  }
   static std::string name() {
     if constexpr (std::is_same_v<T, std::string>) {
       return "string";

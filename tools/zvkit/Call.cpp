@@ -4,8 +4,9 @@
 
 #include <zvapikit/core/Context.hpp>
 #include <zvapikit/core/FirebaseAuthentifier.hpp>
+#include <zvapikit/core/Info.hpp>
 #include <zvapikit/core/MobileApiClient.hpp>
-#include <zvapikit/keychain/InMemoryKeychain.hpp>
+#include <zvapikit/keychain/KeychainFactory.hpp>
 
 #include <boost/asio/bind_cancellation_slot.hpp>
 #include <boost/asio/cancellation_signal.hpp>
@@ -15,7 +16,6 @@
 #include <nlohmann/json.hpp>
 
 #include <charconv>
-#include <iostream>
 
 namespace zvkit {
 namespace {
@@ -48,20 +48,31 @@ ZAK::TransportOptions::ConnectTo parseConnectTo(const std::string& text) {
 nlohmann::json parseArguments(const std::string& text) {
   try {
     return nlohmann::json::parse(text);
-  } catch (const nlohmann::json::parse_error& error) {
+  } catch (const nlohmann::json::exception& error) {
     throw UsageError(std::string("the arguments are not JSON: ") + error.what());
   }
+}
+
+std::shared_ptr<ZAK::Keychain> makeKeychain(const std::string& name) {
+  using Backend = ZAK::KeychainFactory::Backend;
+  if (name == "memory") return ZAK::KeychainFactory::make(Backend::memory);
+  if (name == "file") return ZAK::KeychainFactory::make(Backend::file);
+  if (name == "secret-service") return ZAK::KeychainFactory::make(Backend::secretService);
+  return ZAK::KeychainFactory::shared();
 }
 
 ZAK::Context makeContext(const CallOptions& options, boost::asio::any_io_executor executor) {
   ZAK::Context context;
   context.configuration.environment = *ZAK::fromRawValue<ZAK::Configuration::Environment>(options.environment);
   context.deviceInfo = ZAK::DeviceInfo("Linux", "1", "zvkit");
-  context.bundle = {.executable = "zvkit", .shortVersion = "1.0.0", .identifier = "com.zolvi.zvkit", .version = "1"};
+  context.bundle = {.executable = "zvkit",
+                    .shortVersion = std::string(ZAK::Info::version()),
+                    .identifier = "com.zolvi.zvkit",
+                    .version = "1"};
   context.executor = std::move(executor);
   if (!options.connectTo.empty()) context.transport.connectTo.push_back(parseConnectTo(options.connectTo));
   if (!options.caFile.empty()) context.transport.caFile = options.caFile;
-  if (options.keychain == "memory") context.keychain = std::make_shared<ZAK::InMemoryKeychain>();
+  context.keychain = makeKeychain(options.keychain);
   return context;
 }
 

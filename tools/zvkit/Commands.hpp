@@ -13,7 +13,7 @@ struct CallOptions {
   std::string connectTo;
   std::filesystem::path caFile;
   std::optional<std::string> firebaseToken;
-  std::string keychain = "file";
+  std::string keychain;  ///< empty: where the kit chooses
   bool verbose = false;
 };
 
@@ -23,7 +23,6 @@ struct DemoOptions {
 
 struct EmulatorCommandOptions {
   int port = 0;
-  bool verbose = false;
 };
 
 // Each yields the exit code: 0, or 1 when what was asked for failed. All throw `UsageError`.

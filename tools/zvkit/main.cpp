@@ -34,15 +34,15 @@ void describe(CLI::App& app, CommandLine& line) {
   auto& options = line.call;
   call->add_option("operation", options.operation, "GROUP.OPERATION, as `zvkit list` names it")->required();
   call->add_option("arguments", options.arguments, "A JSON object of the arguments")->capture_default_str();
-  call->add_option("--environment", options.environment)
+  call->add_option("--environment", options.environment, "Which of the back-end's environments")
       ->check(CLI::IsMember({"sandbox", "production"}))
       ->capture_default_str();
   call->add_option("--connect-to", options.connectTo, "HOST:PORT to reach instead of the servers themselves");
   call->add_option("--ca-file", options.caFile, "Trusted authorities, PEM")->check(CLI::ExistingFile);
-  call->add_option("--firebase-token", options.firebaseToken, "Firebase ID token to sign in with");
-  call->add_option("--keychain", options.keychain, "Where the token is kept")
-      ->check(CLI::IsMember({"memory", "file"}))
-      ->capture_default_str();
+  call->add_option("--firebase-token", options.firebaseToken,
+                   "Firebase ID token to sign in with when no token is stored");
+  call->add_option("--keychain", options.keychain, "Where the token is kept, unless it is where the kit chooses")
+      ->check(CLI::IsMember({"memory", "file", "secret-service"}));
   call->add_flag("-v,--verbose", options.verbose, "Show the kit's log");
 }
 

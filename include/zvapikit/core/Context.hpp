@@ -29,24 +29,27 @@ class Transport;
 struct Context {
   Configuration configuration = {};
   DeviceInfo deviceInfo = {};
+  // The delegates: std::shared_ptr objects that the host keeps. No log, no call? Look whether it still does.
   /// Source of Firebase ID tokens; without one, token requests go out without a token.
   DelegateReference<FirebaseAuthentifier> authentifier = {};
   DelegateReference<MonitorDelegate> monitor = {};
   DelegateReference<InterceptorDelegate> interceptor = {};
   DelegateReference<LoggerDelegate> logger = {};
 
-  /// Where the client's work runs: an `io_context`, a `thread_pool`, or a strand of one. Required. The context behind
-  /// it may end before the client does; calls in flight are then dropped without resuming.
+  /// Where the client's work runs: the executor (`io.get_executor()`) of an `io_context`, a `thread_pool`, or a strand
+  /// of one. Required, and to be run while calls are awaited. The context behind it may end before the client does;
+  /// calls in flight are then dropped without resuming.
   boost::asio::any_io_executor executor = {};
   /// The host application, as told in the User-Agent.
   BundleInfo bundle = {};
   TransportOptions transport = {};
   Servers servers = {};
-  /// Where the token is kept; null means the process's shared handle, `KeychainFactory::shared()`.
+  /// Where the token is kept; null means the process's shared handle, `KeychainFactory::shared()`, in which every host
+  /// of the user's account has one token an environment.
   std::shared_ptr<Keychain> keychain = nullptr;
   Directories directories = {};
-  /// Shows tokens as `<redacted>` in the log line of a rejected bearer and in printed bodies, and keeps the text of a
-  /// JSON parser that quotes a body to itself.
+  /// The kit prints the body of each failing answer to `std::cout`. This shows tokens as `<redacted>` there and in the
+  /// log line of a rejected bearer, and keeps the text of a JSON parser that quotes a body to itself.
   bool redactsSecrets = false;
 
   /// For tests: carries the requests instead of the network when set.

@@ -8,13 +8,18 @@ namespace ZAK {
 
 /// The host's Firebase sign-in, from which the kit obtains the back-end's own tokens.
 ///
-/// Thread safety: called from any thread that runs the client's executor; never twice at once by one client.
+/// A stored token of an earlier sign-in is used without asking here: call `MobileApiClient::logout()` before another
+/// user signs in.
+///
+/// Thread safety: called from any thread that runs the client's executor. A client asks again while it still waits only
+/// after a `clear()` or `logout()`, whose abandoned exchange runs on.
 class FirebaseAuthentifier {
  public:
   virtual ~FirebaseAuthentifier() = default;
 
   /// The current Firebase ID token. An exception means that there is none: the call that wanted it goes out
-  /// unauthenticated. The object is kept alive while the awaitable runs.
+  /// unauthenticated at once. A token that the authentication server refuses is offered to it six times, with back-off,
+  /// so throw rather than yield one that is known to be bad. The object is kept alive while the awaitable runs.
   virtual boost::asio::awaitable<std::string> idToken() = 0;
   /// Signs the user out on the host's side; called by `MobileApiClient::logout()` once the kit's own token is gone.
   virtual void signOut() noexcept = 0;

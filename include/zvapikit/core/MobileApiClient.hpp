@@ -20,7 +20,7 @@ class MobileApiClient final : public Client {
  public:
   /// Builds a client. Nothing is sent.
   /// \throws std::invalid_argument when the context's executor is empty, or a base URL of its environment is not an
-  ///   absolute https URL without query.
+  ///   absolute https URL without user and query.
   static std::shared_ptr<MobileApiClient> create(Context context);
 
   /// Not for hosts: use `create`.

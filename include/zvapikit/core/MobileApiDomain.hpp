@@ -12,6 +12,9 @@ class MobileApiClient;
 /// Base of the endpoint groups: cheap objects that hold their client weakly. A group that outlives its client fails
 /// every call with `ZAKError::noClientAvailable` and never revives.
 ///
+/// g++ 12 does not compile a braced list inside a `co_await` expression (`co_await group.deleteComments({"a"}, ...)`):
+/// give the vector a name first.
+///
 /// Each operation is an ordinary function that takes its arguments by value and builds its whole request; nothing it
 /// was given needs to outlive the call, and an awaitable that is never awaited does nothing. Whatever fails is thrown
 /// when the awaitable is awaited, never by the call itself. See `Client` for executors, cancellation and errors.
@@ -21,6 +24,8 @@ class MobileApiDomain : public Domain {
  public:
   /// \throws std::invalid_argument when `client` is null.
   explicit MobileApiDomain(const std::shared_ptr<MobileApiClient>& client);
+  /// A client that nobody keeps would be gone at once: name it, and keep it as long as the group.
+  explicit MobileApiDomain(std::shared_ptr<MobileApiClient>&& client) = delete;
 
   [[nodiscard]] const Configuration& configuration() const noexcept { return configuration_; }
   /// \throws ZAKError `noClientAvailable` when the client is gone.

@@ -25,7 +25,7 @@ class HTTPError : public std::exception {
     timedOut,                ///< no progress within the request's time-out
     connectionLost,          ///< the connection ended before the answer was whole
     invalidAnswer,           ///< what came is no HTTP answer, or its encoding is broken
-    answerTooLarge,          ///< the body is longer than `TransportOptions::maximumBodySize`
+    answerTooLarge,          ///< the body is longer than `TransportOptions::maximumBodySize`, or the headers are absurd
     tooManyRedirects,        ///< more redirects than the request follows
     emptyResponse,           ///< a record was to be decoded and the answer had no byte
     other                    ///< anything else; see `transportCode()`

@@ -40,10 +40,13 @@ class HTTPHeaders {
 
   /// Adds the element, or replaces the value of the one of that name where it stands.
   void set(Element element);
+  /// Adds the element; where there is one of that name, adds the value to its own, behind a comma (RFC 9110, 5.3).
+  void add(Element element);
   /// Removes the element of that name, if there is one.
   void remove(std::string_view name);
   /// The value of the element of that name; absent when there is none.
   [[nodiscard]] std::optional<std::string> value(std::string_view name) const;
+  [[nodiscard]] bool contains(std::string_view name) const noexcept;
   [[nodiscard]] const std::vector<Element>& elements() const noexcept { return elements_; }
 
   bool operator==(const HTTPHeaders&) const = default;

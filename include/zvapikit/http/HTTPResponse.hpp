@@ -21,7 +21,7 @@ struct HTTPResponse {
   std::optional<HTTPError> error;
   /// Of the last attempt.
   HTTPMetrics metrics;
-  /// True once any byte of an answer has come, so that the server has acted on the request; set by the client.
+  /// True once the first line of an answer has come, so that the server has acted on the request; set by the client.
   bool answerStarted = false;
 
   /// True when an answer came, whatever its status.

@@ -34,7 +34,7 @@ struct TransferResult {
   /// Holds no error for an answer of any status: judging it is the client's business. Holds one (and perhaps a status
   /// and part of a body) when the transfer itself failed.
   HTTPResponse response;
-  /// True once any byte of an answer has come: the server may have acted on the request.
+  /// True once the first line of an answer has come: the server has acted on the request.
   bool answerStarted = false;
   /// Destinations of the redirects that were followed, in order.
   std::vector<URL> redirects;

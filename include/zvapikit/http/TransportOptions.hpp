@@ -24,11 +24,11 @@ struct TransportOptions {
   };
 
   /// File of trusted authorities in PEM form; absent means the system's.
-  std::optional<std::filesystem::path> caFile;
+  std::optional<std::filesystem::path> caFile{};
   /// URL of a proxy; absent means a direct connection.
-  std::optional<std::string> proxy;
+  std::optional<std::string> proxy{};
   /// The first entry that fits is used.
-  std::vector<ConnectTo> connectTo;
+  std::vector<ConnectTo> connectTo{};
   std::chrono::milliseconds connectTimeout = std::chrono::seconds(15);
   /// Longest time without progress, unless a request says otherwise.
   std::chrono::milliseconds stallTimeout = std::chrono::seconds(60);

@@ -21,6 +21,9 @@ class JSONBody {
   JSONBody(const char* text) noexcept : text_(text) {}       // NOLINT: meant to convert
 
   [[nodiscard]] std::string_view text() const noexcept { return text_; }
+  /// With so many bytes to spare behind it, a text is not copied.
+  static constexpr std::size_t wantedPadding = 64;
+
   /// Readable bytes behind the text.
   [[nodiscard]] std::size_t padding() const noexcept { return padding_; }
 

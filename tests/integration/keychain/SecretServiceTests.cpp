@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <functional>
 #include <thread>
 #include <vector>
@@ -44,7 +45,11 @@ class Environment {
 };
 
 /// The three operations, each to fail in the same way.
-const std::pair<const char*, void (*)(Keychain&)> operations[] = {
+struct Operation {
+  const char* name;
+  void (*run)(Keychain&);
+};
+const Operation operations[] = {
     {"read", [](Keychain& keychain) { static_cast<void>(keychain.data("key")); }},
     {"write", [](Keychain& keychain) { keychain.set("new", "key"); }},
     {"removal", [](Keychain& keychain) { keychain.remove("key"); }},
@@ -101,8 +106,8 @@ TEST_F(SecretServiceTest, aLockedItemIsNotAnAbsentOne) {
     KeyringDaemon daemon(home_.path());
     keychain.set("old", "key");
     daemon.lock();
-    for (const auto& [name, operation] : operations) {
-      EXPECT_EQ(failureOf([&] { operation(keychain); }), KeychainStatus::interactionNotAllowed) << name;
+    for (const Operation& operation : operations) {
+      EXPECT_EQ(failureOf([&] { operation.run(keychain); }), KeychainStatus::interactionNotAllowed) << operation.name;
     }
     EXPECT_EQ(keychain.data("other key"), std::nullopt);
   }
@@ -129,11 +134,10 @@ TEST_F(SecretServiceTest, withoutServiceOrBusItFailsAtOnce) {
   for (const Case& c : cases) {
     const Environment environment("DBUS_SESSION_BUS_ADDRESS", c.address);
     SecretServiceKeychain keychain(settings);
-    for (const auto& [name, operation] : operations) {
-      const auto time = timeOf([&, &operation = operation] {
-        EXPECT_EQ(failureOf([&] { operation(keychain); }), KeychainStatus::notAvailable);
-      });
-      EXPECT_LT(time, 2s) << c.name << ", " << name;
+    for (const Operation& operation : operations) {
+      const auto time =
+          timeOf([&] { EXPECT_EQ(failureOf([&] { operation.run(keychain); }), KeychainStatus::notAvailable); });
+      EXPECT_LT(time, 2s) << c.name << ", " << operation.name;
     }
     EXPECT_EQ(failureOf([&] { keychain.set("x", "key"); }), KeychainStatus::notAvailable);
   }
@@ -178,11 +182,10 @@ TEST_F(SecretServiceTest, aSilentServiceCostsOnePauseAMinute) {
   EXPECT_GT(asked, 0U) << "the service was there and was asked";
 
   now += 59s;
-  for (const auto& [name, operation] : operations) {
-    const auto time = timeOf([&, &operation = operation] {
-      EXPECT_EQ(failureOf([&] { operation(keychain); }), KeychainStatus::notAvailable);
-    });
-    EXPECT_LT(time, 1s) << name;
+  for (const Operation& operation : operations) {
+    const auto time =
+        timeOf([&] { EXPECT_EQ(failureOf([&] { operation.run(keychain); }), KeychainStatus::notAvailable); });
+    EXPECT_LT(time, 1s) << operation.name;
   }
   EXPECT_EQ(service.calls("SearchItems"), asked);
   now += 2s;
@@ -197,13 +200,13 @@ class PromptTest : public testing::Test {
   Clock::time_point now_;
   SecretServiceKeychain keychain_{settings, {.call = 300ms, .now = [this] { return now_; }}};
 
-  void expectUnanswered(void (*operation)(Keychain&)) {
-    EXPECT_EQ(failureOf([&] { operation(keychain_); }), KeychainStatus::interactionNotAllowed);
+  void expectUnanswered(const Operation& operation) {
+    EXPECT_EQ(failureOf([&] { operation.run(keychain_); }), KeychainStatus::interactionNotAllowed);
   }
   /// Runs it until the thread that asked has seen the answer.
-  void untilDone(void (*operation)(Keychain&)) {
+  void untilDone(const Operation& operation) {
     const auto end = Clock::now() + 10s;
-    while (failureOf([&] { operation(keychain_); })) {
+    while (failureOf([&] { operation.run(keychain_); })) {
       ASSERT_LT(Clock::now(), end) << "an answer lets calls pass again";
       std::this_thread::sleep_for(5ms);
     }
@@ -211,25 +214,25 @@ class PromptTest : public testing::Test {
 };
 
 TEST_F(PromptTest, anUnansweredPromptIsAskedOnceAndItsAnswerCounts) {
-  expectUnanswered(operations[0].second);
+  expectUnanswered(operations[0]);
   now_ += 10min;
-  for (const auto& operation : operations) {
-    EXPECT_LT(timeOf([&] { expectUnanswered(operation.second); }), 200ms) << operation.first;
+  for (const Operation& operation : operations) {
+    EXPECT_LT(timeOf([&] { expectUnanswered(operation); }), 200ms) << operation.name;
   }
   EXPECT_EQ(service_->calls("Prompt"), 1U) << "a prompt on the screen is enough";
   EXPECT_EQ(service_->calls("Dismiss"), 0U) << "the user may be typing";
 
   service_->endPrompt();
-  untilDone(operations[2].second);
+  untilDone(operations[2]);
   EXPECT_EQ(service_->calls("Delete"), 1U);
 }
 
 TEST_F(PromptTest, whatWasGivenUpIsNotDoneOnceThePromptIsAnswered) {
-  expectUnanswered(operations[1].second);
-  expectUnanswered(operations[2].second);
+  expectUnanswered(operations[1]);
+  expectUnanswered(operations[2]);
   const auto tried = service_->calls("CreateItem");
   service_->endPrompt();
-  untilDone([](Keychain& keychain) { keychain.remove("key"); });
+  untilDone(operations[2]);
   EXPECT_EQ(service_->calls("CreateItem"), tried) << "the write was told to have failed";
 }
 
@@ -239,8 +242,8 @@ TEST_F(PromptTest, aPromptThatEndsWithoutAnAnswerFailsAtOnce) {
       {"gone with its service", [this] { service_.reset(); }},
   };
   for (const auto& [how, end] : ends) {
-    for (const auto& operation : operations) {
-      SCOPED_TRACE(std::string(how) + ", " + operation.first);
+    for (const Operation& operation : operations) {
+      SCOPED_TRACE(std::string(how) + ", " + operation.name);
       service_ = std::make_unique<UnhelpfulService>(UnhelpfulService::Behaviour::asks);
       SecretServiceKeychain keychain(settings);
       std::thread user([this, &finish = end] {
@@ -248,7 +251,7 @@ TEST_F(PromptTest, aPromptThatEndsWithoutAnAnswerFailsAtOnce) {
         finish();
       });
       const auto time = timeOf(
-          [&] { EXPECT_EQ(failureOf([&] { operation.second(keychain); }), KeychainStatus::interactionNotAllowed); });
+          [&] { EXPECT_EQ(failureOf([&] { operation.run(keychain); }), KeychainStatus::interactionNotAllowed); });
       user.join();
       EXPECT_LT(time, 2s);
     }
@@ -256,15 +259,15 @@ TEST_F(PromptTest, aPromptThatEndsWithoutAnAnswerFailsAtOnce) {
 }
 
 TEST_F(PromptTest, aPromptDismissedTooLateIsNotShownAgainForAMinute) {
-  expectUnanswered(operations[0].second);
+  expectUnanswered(operations[0]);
   service_->endPrompt(true);
   for (int i = 0; i < 20; ++i) {
-    expectUnanswered(operations[0].second);
+    expectUnanswered(operations[0]);
     std::this_thread::sleep_for(5ms);
   }
   EXPECT_EQ(service_->calls("Prompt"), 1U);
   now_ += 1min;
-  expectUnanswered(operations[0].second);
+  expectUnanswered(operations[0]);
   EXPECT_EQ(service_->calls("Prompt"), 2U);
 }
 
@@ -272,7 +275,7 @@ TEST_F(PromptTest, nobodyWaitsForTheCallLeftBehind) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT(
       {
-        expectUnanswered(operations[0].second);
+        expectUnanswered(operations[0]);
         std::exit(HasFailure() ? 1 : 0);
       },
       testing::ExitedWithCode(0), "");
@@ -296,8 +299,8 @@ TEST_F(SecretServiceTest, whereItemsAreStaysWhereTheyWerePutFirst) {
     EXPECT_EQ(SecretServiceKeychain(settings).data("key"), "secret");
   }
   FileKeychain(settings, directory).set("from another time", "key");
-  for (const auto& [name, operation] : operations) {
-    EXPECT_EQ(failureOf([&, &operation = operation] { operation(*keychain()); }), KeychainStatus::notAvailable) << name;
+  for (const Operation& operation : operations) {
+    EXPECT_EQ(failureOf([&] { operation.run(*keychain()); }), KeychainStatus::notAvailable) << operation.name;
   }
   {
     const UnhelpfulService service(UnhelpfulService::Behaviour::silent);

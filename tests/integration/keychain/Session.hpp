@@ -1,10 +1,8 @@
 #pragma once
 
-#include <atomic>
 #include <filesystem>
 #include <gio/gio.h>
 #include <memory>
-#include <mutex>
 #include <set>
 #include <string>
 
@@ -55,14 +53,13 @@ class UnhelpfulService {
 
  private:
   static GDBusMessage* filter(GDBusConnection* bus, GDBusMessage* message, gboolean incoming, gpointer self);
-  void handle(GDBusMessage* message);
+  void handle(GDBusMessage* message);  ///< on GLib's thread
   [[nodiscard]] GVariant* answer(const std::string& method, GDBusMessage* message) const;
 
   Behaviour behaviour_;
   Reference<GDBusConnection> bus_;
   guint filter_ = 0;
-  std::atomic<bool> unlocked_ = false;
-  mutable std::mutex mutex_;
+  bool unlocked_ = false;
   std::multiset<std::string> calls_;
 };
 

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <atomic>
 #include <csignal>
 #include <string>
 #include <vector>
@@ -144,6 +145,19 @@ TEST_F(ExchangeTest, answersEndAsTheyShould) {
        {}},
       {"ends with the connection", sendThen("HTTP/1.1 200 OK\r\n\r\nall", &Connection::finish), 200, "all", {}},
       {"broken gzip", FaultServer::answering(withLength("not packed", encoded)), 200, "", Kind::invalidAnswer},
+      {"gzip twice",
+       FaultServer::answering(withLength(gzip(packed), "Content-Encoding: gzip, gzip\r\n")),
+       200,
+       "plain text",
+       {}},
+      {"gzip twice, told once", FaultServer::answering(withLength(gzip(packed), encoded)), 200, packed, {}},
+      {"gzip six times",
+       FaultServer::answering(withLength(packed, "Content-Encoding: gzip,gzip,gzip,gzip,gzip,gzip\r\n")), 200, "",
+       Kind::invalidAnswer},
+      {"gzip as br", FaultServer::answering(withLength(packed, "Content-Encoding: br\r\n")), 200, "",
+       Kind::invalidAnswer},
+      {"unknown encoding", FaultServer::answering(withLength(packed, "Content-Encoding: rot13\r\n")), 200, "",
+       Kind::invalidAnswer},
       {"length cut short", sendThen(half, &Connection::finish), 200, "12345", Kind::connectionLost},
       {"length cut hard", sendThen(half, &Connection::cut), 200, "12345", Kind::connectionLost},
       {"chunks cut short", sendThen(chunked("12345").substr(0, 55), &Connection::finish), 200, "12345",
@@ -181,6 +195,7 @@ TEST_F(ExchangeTest, bodiesAreBoundAfterDecoding) {
       {chunked(fits), false},
       {chunked(fits + 'x'), true},
       {withLength(bomb, "Content-Encoding: gzip\r\n"), true},
+      {withLength(gzip(bomb), "Content-Encoding: gzip, gzip\r\n"), true},
   };
   for (const auto& [answer, tooLarge] : cases) {
     const FaultServer server(authority().issue(), FaultServer::answering(answer));
@@ -216,12 +231,54 @@ TEST_F(ExchangeTest, connectionsAreKeptWhileTheContextRests) {
 }
 
 TEST_F(ExchangeTest, aConnectionThatWasClosedMeanwhileIsReplaced) {
-  const FaultServer server(authority().issue(), [](FaultServer::Connection& client) {
-    if (client.handshake() && !client.readRequest().empty()) client.send(ok);
-  });
-  const auto shared = transport();
-  for (int i = 0; i < 3; ++i) EXPECT_EQ(perform(shared, get(server.url())).response.body, "ok");
-  EXPECT_EQ(server.connections(), 3);
+  for (const auto end : {&FaultServer::Connection::finish, &FaultServer::Connection::cut}) {
+    std::atomic<int> closed = 0;
+    const FaultServer server(authority().issue(), [&](FaultServer::Connection& client) {
+      if (!client.handshake() || client.readRequest().empty()) return;
+      client.send(ok);
+      (client.*end)();
+      ++closed;
+    });
+    const auto shared = transport();
+    for (const auto method : {HTTPMethod::get, HTTPMethod::post, HTTPMethod::get, HTTPMethod::patch}) {
+      auto request = get(server.url());
+      request.method = method;
+      EXPECT_EQ(perform(shared, request).response.body, "ok");
+      ASSERT_TRUE(runUntil([&] { return closed == server.connections(); }));
+    }
+    EXPECT_EQ(server.connections(), 4);
+    EXPECT_EQ(server.requests(), 4);
+  }
+}
+
+TEST_F(ExchangeTest, onlyWhatMayBeRepeatedIsSentAgainWhenAKeptConnectionDies) {
+  using Connection = FaultServer::Connection;
+  for (const auto end : {&Connection::finish, &Connection::cut, &Connection::reset}) {
+    for (const auto method :
+         {HTTPMethod::get, HTTPMethod::put, HTTPMethod::delete_, HTTPMethod::post, HTTPMethod::patch}) {
+      for (const std::string body : {"", "a body"}) {
+        SCOPED_TRACE(std::string(rawValue(method)) + ' ' + body);
+        const FaultServer server(authority().issue(), [&](Connection& client) {
+          if (!client.handshake() || client.readRequest().empty()) return;
+          client.send(ok);
+          if (client.index() == 0 && !client.readRequest().empty()) (client.*end)();
+        });
+        const auto shared = transport();
+        EXPECT_EQ(perform(shared, get(server.url())).response.body, "ok");
+        auto request = get(server.url());
+        request.method = method;
+        if (!body.empty()) request.body = HTTPBody::data(body);
+        const auto result = perform(shared, request);
+        EXPECT_EQ(server.requests(), isIdempotent(method) ? 3 : 2);
+        EXPECT_EQ(result.response.body, isIdempotent(method) ? "ok" : "");
+        ASSERT_NE(result.response.error.has_value(), isIdempotent(method));
+        if (!result.response.error) continue;
+        EXPECT_EQ(result.response.error->kind(), Kind::connectionLost);
+        EXPECT_EQ(result.response.error->description(), "connection lost");
+        EXPECT_FALSE(result.answerStarted);
+      }
+    }
+  }
 }
 
 TEST_F(ExchangeTest, callsWaitForTheirTurnBeyondTheConnectTimeout) {

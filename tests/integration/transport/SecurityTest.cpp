@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <sstream>
 #include <unistd.h>
 
@@ -76,6 +77,35 @@ TEST_F(SecurityTest, onlyTheGivenAuthorityIsTrusted) {
     EXPECT_EQ(result.response.error->kind(), Kind::secureConnectionFailed);
   }
   EXPECT_EQ(server.requests(), 1);
+}
+
+/// True when OpenSSL's own client, told to take anything, gets through to the server.
+bool isReachable(const FaultServer& server) {
+  const std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> context(SSL_CTX_new(TLS_client_method()), SSL_CTX_free);
+  SSL_CTX_set_min_proto_version(context.get(), TLS1_VERSION);
+  SSL_CTX_set_security_level(context.get(), 0);
+  const std::unique_ptr<BIO, decltype(&BIO_free_all)> client(BIO_new_ssl_connect(context.get()), BIO_free_all);
+  BIO_set_conn_hostname(client.get(), ("127.0.0.1:" + std::to_string(server.port())).c_str());
+  return BIO_do_handshake(client.get()) == 1;
+}
+
+TEST_F(SecurityTest, oldProtocolsFailBeforeTheRequestIsSent) {
+  const struct {
+    int newest;
+    bool works;
+  } cases[] = {{TLS1_VERSION, false}, {TLS1_1_VERSION, false}, {TLS1_2_VERSION, true}};
+  for (const auto& [newest, works] : cases) {
+    const FaultServer server(authority().issue(), FaultServer::answering(ok), newest);
+    ASSERT_TRUE(isReachable(server));
+    const auto result = perform(get(server.url()));
+    EXPECT_EQ(server.connections(), 2) << newest;
+    EXPECT_EQ(server.requests(), works ? 1 : 0) << newest;
+    ASSERT_NE(result.response.error.has_value(), works) << newest;
+    if (works) continue;
+    EXPECT_EQ(server.bytes(), 0U);
+    EXPECT_EQ(result.response.error->kind(), Kind::secureConnectionFailed);
+    EXPECT_EQ(result.response.error->description(), "could not agree on a secure connection");
+  }
 }
 
 TEST_F(SecurityTest, theEnvironmentSteersNothing) {

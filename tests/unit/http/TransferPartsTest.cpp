@@ -41,6 +41,24 @@ TEST(ResponseHead, interimOrBrokenStatusIsNoAnswer) {
   }
 }
 
+TEST(ResponseHead, knowsLengthsThatContradictEachOther) {
+  const struct {
+    std::vector<std::string_view> lines;
+    bool contradicts;
+  } cases[] = {
+      {{"Content-Length: 5"}, false},
+      {{"Content-Length: 5", "content-length: 5"}, false},
+      {{"Content-Length: 5,5"}, false},
+      {{"Content-Length: 5", "X: 1", "content-length: 50"}, true},
+      {{"Content-Length: 5, 5", "Content-Length: 50"}, true},
+  };
+  for (const auto& [lines, contradicts] : cases) {
+    auto head = headOf({"HTTP/1.1 200 OK"});
+    for (const auto line : lines) head.add(line);
+    EXPECT_EQ(head.contradictsItself(), contradicts) << lines.back();
+  }
+}
+
 TEST(TransferError, tellsWhatFailed) {
   const struct {
     TransferFailure failure;

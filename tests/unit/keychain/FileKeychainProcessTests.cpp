@@ -4,10 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <csignal>
 #include <random>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 namespace ZAK {
 namespace {
@@ -18,37 +20,48 @@ const KeychainSettings settings{.service = "com.example.service", .accessGroup =
 const std::string first(200'000, 'a');
 const std::string second(300'000, 'b');
 
-/// Another process that writes the two in turn until it is killed, starting with `start`.
-pid_t startWriter(const std::filesystem::path& directory, const std::string& start) {
-  const pid_t child = ::fork();
-  if (child != 0) return child;
-  FileKeychain keychain(settings, directory);
-  try {
-    for (const std::string* next = &start;; next = next == &first ? &second : &first) keychain.set(*next, "key");
-  } catch (...) {
-    ::_exit(1);
+/// Another process that writes the two in turn, starting with `start`, until it is killed.
+class Writer {
+ public:
+  Writer(const std::filesystem::path& directory, const std::string& start) : child_(::fork()) {
+    if (child_ != 0) return;
+    FileKeychain keychain(settings, directory);
+    try {
+      for (const std::string* next = &start;; next = next == &first ? &second : &first) keychain.set(*next, "key");
+    } catch (...) {
+      ::_exit(1);
+    }
   }
-}
+  Writer(const Writer&) = delete;
+  Writer& operator=(const Writer&) = delete;
+  ~Writer() { static_cast<void>(kill()); }
 
-/// Kills it; false when it had ended before, which a writer never does unless a write failed.
-bool kill(pid_t child) {
-  int status = 0;
-  return child > 0 && ::kill(child, SIGKILL) == 0 && ::waitpid(child, &status, 0) == child && WIFSIGNALED(status);
-}
+  /// False when it had ended before, which a writer never does unless a write failed.
+  [[nodiscard]] bool kill() {
+    const pid_t child = std::exchange(child_, -1);
+    int status = 0;
+    return child > 0 && ::kill(child, SIGKILL) == 0 && ::waitpid(child, &status, 0) == child && WIFSIGNALED(status);
+  }
+
+ private:
+  pid_t child_;
+};
 
 TEST(FileKeychainProcessTest, aWriterKilledAtAnyMomentLeavesAWholeItem) {
   constexpr int rounds = 200;
   const Testing::TemporaryDirectory root;
   FileKeychain keychain(settings, root.path());
+  const auto start = std::chrono::steady_clock::now();
   keychain.set(first, "key");
+  const std::chrono::duration<double, std::micro> write = std::chrono::steady_clock::now() - start;
   std::optional<std::string> before = first;
   std::mt19937 random(1);
-  std::uniform_int_distribution<useconds_t> microseconds(0, 5000);
+  std::uniform_int_distribution<useconds_t> microseconds(0, static_cast<useconds_t>(2000 + 4 * write.count()));
   int replaced = 0;
   for (int round = 0; round < rounds; ++round) {
-    const pid_t writer = startWriter(root.path(), before == first ? second : first);
+    Writer writer(root.path(), before == first ? second : first);
     ::usleep(microseconds(random));
-    ASSERT_TRUE(kill(writer));
+    ASSERT_TRUE(writer.kill());
     auto after = keychain.data("key");  // fails when the file is not whole
     ASSERT_TRUE(after == first || after == second) << "round " << round;
     replaced += after != before ? 1 : 0;
@@ -62,16 +75,16 @@ TEST(FileKeychainProcessTest, twoWritersNeverMixTheirItems) {
   const Testing::TemporaryDirectory root;
   FileKeychain keychain(settings, root.path());
   keychain.set(first, "key");
-  const pid_t one = startWriter(root.path(), first);
-  const pid_t other = startWriter(root.path(), second);
+  Writer one(root.path(), first);
+  Writer other(root.path(), second);
   int seen[2] = {0, 0};
   for (int i = 0; i < 300; ++i) {
     const auto data = keychain.data("key");
     EXPECT_TRUE(data == first || data == second);
     ++seen[data == first ? 0 : 1];
   }
-  EXPECT_TRUE(kill(one));
-  EXPECT_TRUE(kill(other));
+  EXPECT_TRUE(one.kill());
+  EXPECT_TRUE(other.kill());
   EXPECT_GT(seen[0], 0);
   EXPECT_GT(seen[1], 0);
   keychain.set("last", "key");
