@@ -213,9 +213,10 @@ TEST_F(ExchangeTest, bodiesAreBoundAfterDecoding) {
 TEST_F(ExchangeTest, connectionsAreKeptWhileTheContextRests) {
   const FaultServer server(authority().issue(), FaultServer::answering(ok));
   const auto shared = transport();
+  const auto begin = std::chrono::steady_clock::now();
   const auto first = perform(shared, get(server.url())).response.metrics;
-  // `perform` runs the context until it is out of work, which is half of what is to be shown.
   const auto second = perform(shared, get(server.url())).response.metrics;
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, milliseconds(900)) << "left-over timers kept the context running";
   EXPECT_EQ(server.connections(), 1);
   EXPECT_EQ(server.requests(), 2);
   EXPECT_FALSE(first.reusedConnection);

@@ -148,7 +148,7 @@ TEST_P(Lifetime, endsWithoutHangOrLeak) {
       EXPECT_EQ(outcome->result->response.hasAnswer(), stage != Stage::connecting);
       return;
     default:
-      outcome->signal.emit(type);
+      if (stage != Stage::start) outcome->signal.emit(type);
       ASSERT_TRUE(runDry());
       EXPECT_TRUE(outcome->cancelled());
   }

@@ -16,7 +16,14 @@ namespace fs = std::filesystem;
 
 const std::string ok = "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok";
 
-fs::path keyLog() { return fs::temp_directory_path() / ("zvapikit-keylog-" + std::to_string(::getpid())); }
+/// Where SSLKEYLOGFILE points to. libcurl makes the file when it starts, whatever is written to it.
+const struct KeyLog {
+  ~KeyLog() {
+    std::error_code ignored;
+    fs::remove(file, ignored);
+  }
+  fs::path file = fs::temp_directory_path() / ("zvapikit-keylog-" + std::to_string(::getpid()));
+} keyLog;
 
 /// All that the environment could do to a transfer, set before libcurl first looks at it: every test of this program
 /// runs with it.
@@ -26,7 +33,7 @@ const bool hostileEnvironment = [] {
   }
   ::setenv("no_proxy", "*", 1);
   for (const char* name : {"SSL_CERT_FILE", "SSL_CERT_DIR", "CURL_CA_BUNDLE"}) ::setenv(name, "/dev/null", 1);
-  ::setenv("SSLKEYLOGFILE", keyLog().c_str(), 1);
+  ::setenv("SSLKEYLOGFILE", keyLog.file.c_str(), 1);
   return true;
 }();
 
@@ -120,9 +127,8 @@ TEST_F(SecurityTest, theEnvironmentSteersNothing) {
   EXPECT_EQ(result.response.body, "ok") << "a proxy or a file of authorities came from the environment";
   EXPECT_EQ(request.find("Authorization"), std::string::npos) << request;
   std::ostringstream keys;
-  keys << std::ifstream(keyLog()).rdbuf();
+  keys << std::ifstream(keyLog.file).rdbuf();
   EXPECT_EQ(keys.str(), "") << "session keys reached the disk";
-  fs::remove(keyLog());
 }
 
 TEST_F(SecurityTest, aGivenProxyIsUsedWhateverTheEnvironmentExempts) {

@@ -1,10 +1,8 @@
 #include "TransportFixture.hpp"
 
 #include <boost/asio/bind_cancellation_slot.hpp>
-#include <boost/asio/cancellation_state.hpp>
 #include <boost/asio/detached.hpp>
 #include <boost/asio/error.hpp>
-#include <boost/asio/this_coro.hpp>
 #include <boost/system/system_error.hpp>
 
 #include <utility>
@@ -23,7 +21,6 @@ bool Outcome::cancelled() const {
 }
 
 boost::asio::awaitable<void> call(boost::asio::awaitable<TransferResult> transfer, std::shared_ptr<Outcome> outcome) {
-  co_await boost::asio::this_coro::reset_cancellation_state(boost::asio::enable_total_cancellation());
   try {
     outcome->result = co_await std::move(transfer);
   } catch (...) {

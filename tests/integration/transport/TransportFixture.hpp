@@ -31,7 +31,7 @@ struct Outcome {
   [[nodiscard]] bool cancelled() const;
 };
 
-/// Awaits one transfer and notes how it ends. Reacts to every cancellation type.
+/// Awaits one transfer and notes how it ends.
 boost::asio::awaitable<void> call(boost::asio::awaitable<TransferResult> transfer, std::shared_ptr<Outcome> outcome);
 
 [[nodiscard]] TransferRequest get(std::string url);
