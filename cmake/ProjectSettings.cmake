@@ -10,6 +10,14 @@ find_package(ZLIB REQUIRED)
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(LIBSECRET REQUIRED IMPORTED_TARGET libsecret-1>=0.20)
 
+# Used where present, and only for our own builds: a host chooses its launcher itself.
+if(PROJECT_IS_TOP_LEVEL AND NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
+  find_program(ZVAPIKIT_CCACHE ccache)
+  if(ZVAPIKIT_CCACHE)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${ZVAPIKIT_CCACHE})
+  endif()
+endif()
+
 add_library(zvapikit_settings INTERFACE)
 target_compile_features(zvapikit_settings INTERFACE cxx_std_20)
 target_compile_options(zvapikit_settings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
