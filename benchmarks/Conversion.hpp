@@ -1,6 +1,6 @@
 #pragma once
 
-#include <zvapikit/model/PostDto.hpp>
+#include "Fields.hpp"
 
 #include <concepts>
 #include <optional>
@@ -15,7 +15,7 @@ struct NotConvertible : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// The conversion of posts that a host would write by hand on top of a parser. It checks what the kit checks: types,
+/// The conversion that a host would write by hand on top of a parser. It checks what the kit checks: types,
 /// required keys, dates, URLs and enumerations. `Library` is the parser's way of looking at a value:
 ///
 ///     using Value = ...;                             // cheap to copy
@@ -32,92 +32,41 @@ class Conversion {
  public:
   using Value = typename Library::Value;
 
-  static std::vector<ZAK::PostDto> posts(Value value) {
-    std::vector<ZAK::PostDto> posts;
-    read(value, posts);
-    return posts;
-  }
-
-  static void read(Value value, ZAK::PostDto& post) {
-    Object object(value);
-    required(object, "id", post.id);
-    required(object, "user", post.user);
-    required(object, "moment", post.moment);
-    optional(object, "visibility", post.visibility);
-    optional(object, "location", post.location);
-    optional(object, "caption", post.caption);
-    required(object, "retakeCounter", post.retakeCounter);
-    required(object, "isLate", post.isLate);
-    required(object, "lateInSeconds", post.lateInSeconds);
-    required(object, "primary", post.primary);
-    required(object, "secondary", post.secondary);
-    optional(object, "quiblets", post.quiblets);
-    optional(object, "comments", post.comments);
-    optional(object, "screenshots", post.screenshots);
-    required(object, "takenAt", post.takenAt);
-    required(object, "createdAt", post.createdAt);
+  template <class Result>
+  static Result converted(Value value) {
+    Result result{};
+    read(value, result);
+    return result;
   }
 
  private:
-  using Object = typename Library::Object;
+  class Reader {
+   public:
+    explicit Reader(Value value) : object_(value) {}
 
-  static void read(Value value, ZAK::PostPerson& person) {
-    Object object(value);
-    required(object, "id", person.id);
-    required(object, "username", person.username);
-    optional(object, "fullname", person.fullname);
-    optional(object, "profilePicture", person.profilePicture);
-    optional(object, "status", person.status);
-  }
+    template <class Member>
+    Reader& operator()(std::string_view key, Member& member) {
+      const std::optional<Value> value = object_.find(key);
+      if (!value) throw NotConvertible("missing " + std::string(key));
+      read(*value, member);
+      return *this;
+    }
 
-  static void read(Value value, ZAK::PostMomentDto& moment) {
-    Object object(value);
-    required(object, "id", moment.id);
-    required(object, "region", moment.region);
-  }
+    template <class Member>
+    Reader& operator()(std::string_view key, std::optional<Member>& member) {
+      const std::optional<Value> value = object_.find(key);
+      if (value && !Library::isNull(*value)) read(*value, member.emplace());
+      return *this;
+    }
 
-  static void read(Value value, ZAK::PostLocationDto& location) {
-    Object object(value);
-    required(object, "latitude", location.latitude);
-    required(object, "longitude", location.longitude);
-  }
+   private:
+    typename Library::Object object_;
+  };
 
-  static void read(Value value, ZAK::MediaDto& media) {
-    Object object(value);
-    required(object, "url", media.url);
-    required(object, "width", media.width);
-    required(object, "height", media.height);
-  }
-
-  static void read(Value value, ZAK::PostQuibletDto& quiblet) {
-    Object object(value);
-    required(object, "id", quiblet.id);
-    required(object, "user", quiblet.user);
-    required(object, "emoji", quiblet.emoji);
-    required(object, "isInstant", quiblet.isInstant);
-    required(object, "media", quiblet.media);
-    required(object, "postedAt", quiblet.postedAt);
-  }
-
-  static void read(Value value, ZAK::PostCommentDto& comment) {
-    Object object(value);
-    required(object, "id", comment.id);
-    required(object, "user", comment.user);
-    required(object, "postedAt", comment.postedAt);
-    required(object, "content", comment.content);
-  }
-
-  static void read(Value value, ZAK::PostScreenshotDto& screenshot) {
-    Object object(value);
-    required(object, "id", screenshot.id);
-    required(object, "user", screenshot.user);
-  }
-
-  template <class Element>
-  static void read(Value value, ZAK::SampleCollectionDto<Element>& collection) {
-    Object object(value);
-    required(object, "sample", collection.sample);
-    required(object, "total", collection.total);
+  template <HasFields Record>
+  static void read(Value value, Record& record) {
+    Reader reader(value);
+    fields(reader, record);
   }
 
   template <class Element>
@@ -138,15 +87,11 @@ class Conversion {
     url = std::move(*parsed);
   }
 
-  static void read(Value value, ZAK::PostVisibilityDto& visibility) {
-    visibility =
-        ZAK::fromRawValue<ZAK::PostVisibilityDto>(Library::string(value)).value_or(ZAK::PostVisibilityDto::unknown);
-  }
-
-  static void read(Value value, ZAK::RelationshipsStatusDto& status) {
-    const auto known = ZAK::fromRawValue<ZAK::RelationshipsStatusDto>(Library::string(value));
-    if (!known) throw NotConvertible("not a status");
-    status = *known;
+  template <ZAK::RawRepresentable Enumeration>
+  static void read(Value value, Enumeration& result) {
+    const auto known = ZAK::fromRawValue<Enumeration>(Library::string(value));
+    if (!known && !ZAK::CodableLastByDefault<Enumeration>) throw NotConvertible("not one of the texts");
+    result = known.value_or(ZAK::RawValues<Enumeration>::cases.back().value);
   }
 
   /// `YYYY-MM-DDThh:mm:ss.fffZ`, the one layout that the back-end writes.
@@ -168,19 +113,6 @@ class Conversion {
     if (!day.ok() || number(11, 2) > 23 || number(14, 2) > 59 || number(17, 2) > 59) throw NotConvertible("not a date");
     date = std::chrono::sys_days(day) + std::chrono::hours(number(11, 2)) + std::chrono::minutes(number(14, 2)) +
            std::chrono::seconds(number(17, 2)) + std::chrono::milliseconds(number(20, 3));
-  }
-
-  template <class T>
-  static void required(Object& object, std::string_view key, T& result) {
-    const std::optional<Value> value = object.find(key);
-    if (!value) throw NotConvertible("missing " + std::string(key));
-    read(*value, result);
-  }
-
-  template <class T>
-  static void optional(Object& object, std::string_view key, std::optional<T>& result) {
-    const std::optional<Value> value = object.find(key);
-    if (value && !Library::isNull(*value)) read(*value, result.emplace());
   }
 };
 

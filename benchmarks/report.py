@@ -5,6 +5,13 @@ import platform
 import statistics
 import sys
 
+# what bodies are decoded and encoded, and the goals against each peer
+BODIES = [("page", "a page of 100 posts"), ("post", "one post"), ("feed", "the friends feed of 100 posts"),
+          ("fof", "a page of 50 posts of friends of friends"), ("friends", "a page of 500 friends"),
+          ("profile", "one profile")]
+DECODING = [("nlohmann", 0.13), ("rapidjson", None), ("boost-json", 0.7), ("simdjson", 1.2)]
+ENCODING = [("nlohmann", 0.1), ("rapidjson", None), ("boost-json", None)]
+
 # comparison, the kit's side, the peer (None: the value itself, in that unit), the goal (None: told only), what it is
 ROWS = [
     ("cpu.http2", "perform", "curl", 1.15, "transport, HTTP/2, CPU a call"),
@@ -20,17 +27,11 @@ ROWS = [
     ("memory.http2", "curl", "KiB", None, "bare libcurl, the same"),
     ("connections.64", "perform", "connections", 1, "connections for 64 cold calls on HTTP/2"),
     ("connections.1000", "perform", "connections", 6, "connections for 1,000 calls, 128 streams each"),
-    ("decode.page", "kit", "nlohmann", 0.13, "decode a page of 100 posts"),
-    ("decode.page", "kit", "rapidjson", None, "decode a page of 100 posts"),
-    ("decode.page", "kit", "boost-json", 0.7, "decode a page of 100 posts"),
-    ("decode.page", "kit", "simdjson", 1.2, "decode a page of 100 posts"),
-    ("decode.page-sorted", "kit", "simdjson", None, "the same with the keys of each object sorted"),
-    ("decode.post", "kit", "nlohmann", 0.13, "decode one post"),
-    ("decode.post", "kit", "rapidjson", None, "decode one post"),
-    ("decode.post", "kit", "boost-json", 0.7, "decode one post"),
-    ("decode.post", "kit", "simdjson", 1.2, "decode one post"),
-    ("encode.page", "kit", "nlohmann", 0.1, "encode a page of 100 posts"),
-    ("encode.post", "kit", "nlohmann", 0.1, "encode one post"),
+    *((f"decode.{body}", "kit", peer, goal, f"decode {what}") for body, what in BODIES for peer, goal in DECODING),
+    *((f"decode.{body}-sorted", "kit", "simdjson", None, f"decode {dict(BODIES)[body]}, the keys of each object sorted")
+      for body in ("page", "feed")),
+    *((f"encode.{body}", "kit", peer, goal, f"encode {what}") for body, what in BODIES for peer, goal in ENCODING),
+    ("encode.analytics", "kit", "nlohmann", None, "write a batch of 100 analytics events"),
     ("token-exchanges", "kit", "exchanges", 1, "token exchanges of 10,000 callers on an expired token"),
     ("tokens", "expired", "valid", None, "time a caller, against a caller on a valid token"),
     ("tokens", "expired", "us", None, "time a caller, CPU"),

@@ -89,8 +89,7 @@ class CurlSide final : public Side {
   }
 
   void decode(const std::string& body) {
-    ZAK::PostDto post;
-    Bench::Conversion<Bench::Simdjson>::read(parser_.parse(body), post);
+    const auto post = Bench::Conversion<Bench::Simdjson>::converted<ZAK::PostDto>(parser_.parse(body));
     require(!post.id.empty(), "a post without an id");
   }
 

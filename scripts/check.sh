@@ -42,12 +42,12 @@ layers() {
   git grep -nE '#include [<"](zvapikit/)?[a-z]+/[A-Z]' -- 'include/zvapikit/*' 'src/*' ':!src/core/MobileApiClient.cpp' |
     awk -F'[:/<"]' '
       BEGIN {
-        allowed["http"] = " json "
+        allowed["http"] = " json platform "
         allowed["keychain"] = " platform "
         allowed["core"] = " http json keychain platform "
         allowed["model"] = allowed["core"] "core "
         allowed["auth"] = allowed["core"] "core "
-        allowed["domains"] = allowed["model"] "model "
+        allowed["domains"] = allowed["model"] "model auth "
       }
       {
         from = $1 == "include" ? $3 : $2

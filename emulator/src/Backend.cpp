@@ -61,7 +61,18 @@ Backend::Backend(EmulatorOptions options)
       sandbox_(EmulatorEnvironment::sandbox, options_, options_.now()),
       production_(EmulatorEnvironment::production, options_, options_.now()) {
   addAuthenticationRoutes(authentication_);
+  addPhoneRoutes(authentication_);
   addContentRoutes(mobile_);
+  addRelationshipsRoutes(mobile_);
+  addPeopleRoutes(mobile_);
+  addProfileRoutes(mobile_);
+  addModerationRoutes(mobile_);
+  addFeedRoutes(mobile_);
+  addMemoryRoutes(mobile_);
+  addSettingsRoutes(mobile_);
+  addAnalyticsRoutes(mobile_);
+  addUploadRoutes(mobile_);
+  addStorageRoutes(storage_);
 }
 
 Delivery Backend::serve(EmulatorRequest request) {
@@ -173,6 +184,10 @@ EmulatorCounts Backend::counts() const {
   const std::scoped_lock lock(mutex_);
   EmulatorCounts counts = counts_;
   counts.faults = faults_.timesMet();
+  for (const World* const world : {&sandbox_, &production_}) {
+    for (const auto& [report, reason] : world->reports) ++counts.reports[reason];
+  }
+  counts.analyticsEvents = sandbox_.analyticsEvents + production_.analyticsEvents;
   return counts;
 }
 

@@ -16,14 +16,35 @@ namespace {
 
 }  // namespace
 
-std::string Call::queryValue(std::string_view name) const {
-  std::vector<std::string> values;
-  for (const EmulatorText::QueryItem& item : EmulatorText::parseQuery(request.target)) {
-    if (item.name == name) values.push_back(item.value.value_or(""));
+std::optional<EmulatorText::QueryItem> Call::queryItem(std::string_view name) const {
+  std::optional<EmulatorText::QueryItem> found;
+  for (EmulatorText::QueryItem& item : EmulatorText::parseQuery(request.target)) {
+    if (item.name != name) continue;
+    if (found) throw Refusal(400, "query item " + item.name + " is there twice");
+    found = std::move(item);
   }
-  if (values.size() != 1 || values[0].empty())
-    throw Refusal(400, "query item " + std::string(name) + " must be there once");
-  return values[0];
+  return found;
+}
+
+void Call::checkQuery(std::initializer_list<std::string_view> names) const {
+  for (const EmulatorText::QueryItem& item : EmulatorText::parseQuery(request.target)) {
+    if (std::find(names.begin(), names.end(), item.name) == names.end()) {
+      throw Refusal(400, "query item " + item.name + " should not exist");
+    }
+  }
+}
+
+std::string Call::queryValue(std::string_view name) const {
+  std::string value;
+  if (const auto item = queryItem(name)) value = item->value.value_or("");
+  if (value.empty()) throw Refusal(400, "query item " + std::string(name) + " must be there with a value");
+  return value;
+}
+
+std::string Call::language() const {
+  if (!queryItem("language")) return "en";
+  const std::string tag = queryValue("language");
+  return tag.substr(0, tag.find_first_of("-_"));
 }
 
 json Call::body(std::initializer_list<const char*> required, std::initializer_list<const char*> optional) const {
@@ -36,6 +57,26 @@ json Call::body(std::initializer_list<const char*> required, std::initializer_li
   checkKeys(value, required, optional);
   return value;
 }
+
+User& Call::self() const {
+  User& user = world.users.at(userId);
+  if (!user.createdAt) throw Refusal(404, "the user has no profile yet", "check-user-exist");
+  return user;
+}
+
+const User& Call::person(const std::string& id) const {
+  const User* const user = world.person(id, userId);
+  if (!user) throw Refusal(404, "there is no such person");
+  return *user;
+}
+
+Post& Call::readablePost(const std::string& id) const {
+  const auto found = world.posts.find(id);
+  if (found == world.posts.end() || !world.mayRead(userId, found->second)) throw Refusal(404, "there is no such post");
+  return found->second;
+}
+
+Usage& Call::usage() const { return world.usage[{userId, World::moment(now).id}]; }
 
 void checkKeys(const json& value, std::initializer_list<const char*> required,
                std::initializer_list<const char*> optional) {
@@ -106,6 +147,8 @@ std::string reasonPhrase(int status) {
 EmulatorResponse jsonResponse(const json& value, int status) {
   return {status, value.dump(-1, ' ', false, json::error_handler_t::replace), {}};
 }
+
+EmulatorResponse emptyResponse() { return jsonResponse(json::object()); }
 
 EmulatorResponse refusalResponse(const Refusal& refusal, Date now) {
   json body{{"error", reasonPhrase(refusal.status)},

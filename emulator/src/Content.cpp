@@ -24,13 +24,9 @@ int reach(const std::vector<std::string>& visibility) {
   return widest;
 }
 
-Usage& usageOf(Call& call) { return call.world.usage[{call.userId, World::moment(call.now).id}]; }
-
 EmulatorResponse postResponse(const Call& call, const Post& post, int status = 200) {
   return jsonResponse(EmulatorRecords::post(call.world, post, call.userId), status);
 }
-
-EmulatorResponse emptyResponse() { return jsonResponse(json::object()); }
 
 /// The caller's post of the current moment.
 Post& myPost(Call& call) {
@@ -43,18 +39,9 @@ Post& myPost(Call& call) {
   throw Refusal(404, "there is no post");
 }
 
-/// A post that the caller may read, by its id.
-Post& readablePost(Call& call, const std::string& id) {
-  const auto found = call.world.posts.find(id);
-  if (found == call.world.posts.end() || !call.world.mayRead(call.userId, found->second)) {
-    throw Refusal(404, "there is no such post");
-  }
-  return found->second;
-}
-
 /// The post that the query names together with its author.
 Post& queriedPost(Call& call) {
-  Post& post = readablePost(call, call.queryValue("postId"));
+  Post& post = call.readablePost(call.queryValue("postId"));
   if (post.userId != call.queryValue("postUserId")) throw Refusal(404, "the post is another user's");
   return post;
 }
@@ -94,15 +81,15 @@ EmulatorResponse createPost(Call& call) {
 }
 
 EmulatorResponse readPost(Call& call) {
-  return jsonResponse({{"id", readablePost(call, call.variables.at("postId")).id}});
+  return jsonResponse({{"id", call.readablePost(call.variables.at("postId")).id}});
 }
 
 EmulatorResponse deleteMyPost(Call& call) {
   const std::string id = myPost(call).id;
-  if (usageOf(call).deletions >= call.options.deletionsPerMoment) {
+  if (call.usage().deletions >= call.options.deletionsPerMoment) {
     throw Refusal(403, "too many posts were deleted", "too-many-deletions");
   }
-  ++usageOf(call).deletions;
+  ++call.usage().deletions;
   call.world.posts.erase(id);
   return emptyResponse();
 }
@@ -120,10 +107,10 @@ EmulatorResponse changeVisibility(Call& call) {
   const int wanted = reach(visibility);
   Post& post = myPost(call);
   if (wanted > reach(post.visibility)) {
-    if (usageOf(call).visibilityUpgrades >= call.options.visibilityUpgradesPerMoment) {
+    if (call.usage().visibilityUpgrades >= call.options.visibilityUpgradesPerMoment) {
       throw Refusal(403, "the post was opened too often", "too-many-visibility-upgrades");
     }
-    ++usageOf(call).visibilityUpgrades;
+    ++call.usage().visibilityUpgrades;
   }
   post.visibility = {visibility};
   return postResponse(call, post);
@@ -176,7 +163,7 @@ EmulatorResponse putQuiblet(Call& call, Post& post, Quiblet quiblet) {
 EmulatorResponse addQuiblet(Call& call) {
   const std::string emoji = textField(call.body({"emoji"}), "emoji");
   Post& post = queriedPost(call);
-  Picture selfie{bucketName(call.world.environment), "Photos/" + call.userId + "/quiblet/" + emoji + ".jpg", 500, 500};
+  Picture selfie = call.world.selfie(call.userId, emoji);
   return putQuiblet(call, post, {call.world.nextId("quiblet"), call.userId, emoji, false, std::move(selfie), call.now});
 }
 

@@ -24,6 +24,7 @@ std::size_t EmulatorCounts::of(const std::string& route) const {
 std::shared_ptr<Emulator> Emulator::start(boost::asio::any_io_executor executor, EmulatorOptions options) {
   if (!executor) throw std::invalid_argument("the emulator needs an executor");
   if (options.port < 0 || options.port > 65535) throw std::invalid_argument("the port is not one of TCP");
+  if (options.pageSize == 0) throw std::invalid_argument("a page holds at least one element");
   ServerIdentity identity(options.certificate);
   const std::string authority = identity.authority;
   const int port = options.port;

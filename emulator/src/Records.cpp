@@ -27,26 +27,32 @@ json sample(const World& world, const std::vector<Element>& elements, const std:
   return {{"sample", std::move(shown)}, {"total", elements.size()}};
 }
 
-json momentOf(const Post& post) {
-  const Moment moment = World::moment(post.createdAt);
-  return {{"id", post.momentId}, {"region", moment.region}};
-}
-
 }  // namespace
 
+std::string mediaUrl(const std::string& bucket, const std::string& path) {
+  return "https://" + std::string(storageHost) + "/" + bucket + "/" + EmulatorText::percentEncodedPath(path);
+}
+
+std::string videoPath(const std::string& userId, int year) {
+  return "Videos/" + userId + "/recap-" + std::to_string(year) + ".mp4";
+}
+
 json media(const Picture& picture) {
-  return {{"url", "https://" + std::string(storageHost) + "/" + picture.bucket + "/" +
-                      EmulatorText::percentEncodedPath(picture.path)},
+  return {{"url", mediaUrl(picture.bucket, picture.path)},
           {"width", static_cast<double>(picture.width)},
           {"height", static_cast<double>(picture.height)}};
 }
+
+json moment(const Post& post) { return {{"id", post.momentId}, {"region", World::moment(post.createdAt).region}}; }
 
 json person(const World& world, const std::string& userId, const std::string& reader) {
   const auto user = world.users.find(userId);
   json record{{"id", userId}, {"username", user == world.users.end() ? userId : user->second.username}};
   if (user != world.users.end() && !user->second.fullname.empty()) record["fullname"] = user->second.fullname;
-  const auto relationship = world.relationships.find({reader, userId});
-  if (relationship != world.relationships.end()) record["status"] = relationship->second;
+  if (user != world.users.end() && user->second.profilePicture) {
+    record["profilePicture"] = media(*user->second.profilePicture);
+  }
+  if (const Relationship* const found = world.relationship(reader, userId)) record["status"] = found->status;
   return record;
 }
 
@@ -69,7 +75,7 @@ json quiblet(const World& world, const Quiblet& quiblet, const std::string& read
 json post(const World& world, const Post& post, const std::string& reader) {
   json record{{"id", post.id},
               {"user", person(world, post.userId, reader)},
-              {"moment", momentOf(post)},
+              {"moment", moment(post)},
               {"visibility", post.visibility},
               {"retakeCounter", post.retakeCounter},
               {"isLate", post.isLate},

@@ -21,14 +21,19 @@ std::vector<std::string> split(std::string_view path) {
 PathTemplate::PathTemplate(std::string_view text) : text_(text), segments_(split(text)) {}
 
 std::optional<PathVariables> PathTemplate::match(std::string_view path) const {
-  const std::vector<std::string> segments = split(path);
+  std::vector<std::string> segments = split(path);
+  if (segments_.back().ends_with("...}") && segments.size() > segments_.size()) {
+    for (std::size_t i = segments_.size(); i < segments.size(); ++i)
+      segments[segments_.size() - 1] += '/' + segments[i];
+    segments.resize(segments_.size());
+  }
   if (segments.size() != segments_.size()) return std::nullopt;
   PathVariables variables;
   for (std::size_t i = 0; i < segments.size(); ++i) {
     const std::string& expected = segments_[i];
     if (expected.starts_with('{')) {
       if (segments[i].empty()) return std::nullopt;
-      variables[expected.substr(1, expected.size() - 2)] = EmulatorText::percentDecoded(segments[i]);
+      variables[expected.substr(1, expected.find_first_of(".}") - 1)] = EmulatorText::percentDecoded(segments[i]);
     } else if (expected != segments[i]) {
       return std::nullopt;
     }

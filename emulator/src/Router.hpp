@@ -14,7 +14,8 @@ struct Call;
 
 using PathVariables = std::map<std::string, std::string>;
 
-/// A path template such as `/content/posts/{postId}`. A variable stands for one segment that is not empty.
+/// A path template such as `/content/posts/{postId}`. A variable stands for one segment that is not empty; `{path...}`
+/// at the end, for one or more.
 class PathTemplate {
  public:
   explicit PathTemplate(std::string_view text);

@@ -1,5 +1,6 @@
 #include "Text.hpp"
 
+#include <openssl/evp.h>
 #include <openssl/rand.h>
 
 #include <algorithm>
@@ -26,6 +27,16 @@ int digits(std::string_view text, std::size_t from, std::size_t count) {
   int value = 0;
   std::from_chars(text.data() + from, text.data() + from + count, value);
   return value;
+}
+
+template <std::size_t count>
+std::string lowerHex(const std::array<unsigned char, count>& bytes) {
+  std::string result;
+  for (const unsigned char byte : bytes) {
+    result += lower(hexDigits[byte >> 4]);
+    result += lower(hexDigits[byte & 15]);
+  }
+  return result;
 }
 
 }  // namespace
@@ -58,6 +69,11 @@ std::string percentEncodedPath(std::string_view path) {
     result += hexDigits[byte & 15];
   }
   return result;
+}
+
+std::string targetOf(std::string_view url) {
+  const std::size_t host = url.find("://") + 3;
+  return std::string(url.substr(url.find('/', host)));
 }
 
 std::vector<QueryItem> parseQuery(std::string_view target) {
@@ -114,12 +130,15 @@ std::optional<Date> parseDate(std::string_view text) {
 std::string randomHex() {
   std::array<unsigned char, 16> bytes{};
   if (RAND_bytes(bytes.data(), static_cast<int>(bytes.size())) != 1) throw std::runtime_error("no random bytes");
-  std::string result;
-  for (const unsigned char byte : bytes) {
-    result += lower(hexDigits[byte >> 4]);
-    result += lower(hexDigits[byte & 15]);
+  return lowerHex(bytes);
+}
+
+std::string sha256Hex(std::string_view bytes) {
+  std::array<unsigned char, 32> digest{};
+  if (EVP_Digest(bytes.data(), bytes.size(), digest.data(), nullptr, EVP_sha256(), nullptr) != 1) {
+    throw std::runtime_error("no digest");
   }
-  return result;
+  return lowerHex(digest);
 }
 
 }  // namespace ZAK::EmulatorText

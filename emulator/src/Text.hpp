@@ -17,6 +17,8 @@ struct QueryItem {
 [[nodiscard]] std::string percentDecoded(std::string_view text);
 /// Everything but `A-Z a-z 0-9 - . _ ~ /` as percent-encoded bytes.
 [[nodiscard]] std::string percentEncodedPath(std::string_view path);
+/// What a request for an absolute URL names: path and query.
+[[nodiscard]] std::string targetOf(std::string_view url);
 [[nodiscard]] std::vector<QueryItem> parseQuery(std::string_view target);
 [[nodiscard]] bool equalIgnoringCase(std::string_view a, std::string_view b) noexcept;
 /// `2023-04-05T17:09:12.345Z`
@@ -27,5 +29,7 @@ struct QueryItem {
 [[nodiscard]] std::string dayText(Date date);
 /// Lower-case hexadecimal digits of 128 random bits.
 [[nodiscard]] std::string randomHex();
+/// The SHA-256 of the bytes in lower-case hexadecimal digits.
+[[nodiscard]] std::string sha256Hex(std::string_view bytes);
 
 }  // namespace ZAK::EmulatorText

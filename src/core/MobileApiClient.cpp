@@ -9,6 +9,7 @@
 #include "core/HeadersFactory.hpp"
 #include "core/MobileApiRequestExecutor.hpp"
 #include "http/Cancellation.hpp"
+#include "http/FileDownloads.hpp"
 
 #include <zvapikit/core/Context.hpp>
 #include <zvapikit/core/FirebaseAuthentifier.hpp>
@@ -44,8 +45,10 @@ JSONDecoder serverDecoder(const std::shared_ptr<Clock>& clock) {
 struct MobileApiClient::Parts {
   Configuration configuration;
   DeviceInfo deviceInfo;
+  Directories directories;
   std::shared_ptr<Clock> clock;
   std::shared_ptr<Transport> transport;
+  std::shared_ptr<FileDownloads> downloads = std::make_shared<FileDownloads>();
   std::shared_ptr<ClientMonitor> authMonitor;
   std::shared_ptr<RequestExecutor> authExecutor;
   std::shared_ptr<MobileApiAuthentifier> authentifier;
@@ -75,6 +78,7 @@ std::unique_ptr<MobileApiClient::Parts> MobileApiClient::Parts::build(Context co
   const auto environment = context.configuration.environment;
   parts->configuration = context.configuration;
   parts->deviceInfo = context.deviceInfo;
+  parts->directories = context.directories.resolved(context.bundle);
   parts->logger = context.logger;
   parts->clock = context.clock ? context.clock : Clock::system();
   parts->transport =
@@ -119,6 +123,8 @@ const Configuration& MobileApiClient::configuration() const noexcept { return pa
 
 const DeviceInfo& MobileApiClient::deviceInfo() const noexcept { return parts_->deviceInfo; }
 
+const Directories& MobileApiClient::directories() const noexcept { return parts_->directories; }
+
 std::shared_ptr<LoggerDelegate> MobileApiClient::logger() const {
   const std::lock_guard lock(parts_->loggerMutex);
   return parts_->logger.lock();
@@ -134,6 +140,11 @@ std::shared_ptr<HTTPClient> MobileApiClient::buildRaw() const {
   client->delegate = parts_->monitor;
   client->maxRedirects = maxRawRedirects;
   return client;
+}
+
+boost::asio::awaitable<HTTPResponse> MobileApiClient::download(HTTPRequest request) {
+  if (!request.destination) throw std::invalid_argument("a download needs a destination");
+  return parts_->downloads->fetch(buildRaw(), std::move(request));
 }
 
 boost::asio::awaitable<void> MobileApiClient::send(HTTPRequest request, Route route, DecodeTarget target) {

@@ -9,6 +9,7 @@ namespace ZAK {
 MobileApiDomain::MobileApiDomain(const std::shared_ptr<MobileApiClient>& client) : client_(client) {
   if (!client) throw std::invalid_argument("an endpoint group needs a client");
   configuration_ = client->configuration();
+  directories_ = client->directories();
 }
 
 std::shared_ptr<MobileApiClient> MobileApiDomain::client() const {

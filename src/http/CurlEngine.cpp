@@ -17,8 +17,10 @@ namespace {
 using Clock_ = std::chrono::steady_clock;
 
 constexpr std::size_t mostIdleHandles = 128;
-/// How often in a row libcurl may ask to be called again at once before others get their turn.
+/// How often in a row, and how long, libcurl may ask to be called again at once before others get their turn. A call
+/// may move a megabyte.
 constexpr int mostImmediateCalls = 16;
+constexpr auto longestTurn = std::chrono::milliseconds(1);
 
 void initialiseLibrary() {
   static const CURLcode code = curl_global_init(CURL_GLOBAL_DEFAULT);
@@ -72,45 +74,57 @@ void CurlEngine::close() noexcept {
   io_.reset();
 }
 
-boost::asio::awaitable<CurlEngine::Transfer> CurlEngine::run(Transfer transfer) {
+boost::asio::awaitable<CurlEngine::Stage> CurlEngine::run(Transfer transfer, TransferCounts told) {
   // The strand is asked for here, since what an initiation throws is lost.
-  return suspend<Transfer>(
-      [executor = strand_->executor(), engine = shared_from_this(), transfer = std::move(transfer)](
-          std::unique_ptr<Waiter<Transfer>> waiter, boost::asio::cancellation_slot slot) {
-        if (slot.is_connected()) {
-          // The slot may outlive the context, so it must not hold the strand.
-          slot.assign([weakEngine = std::weak_ptr(engine),
-                       weakTransfer = std::weak_ptr(transfer)](boost::asio::cancellation_type) {
+  return suspend<Stage>([executor = strand_->executor(), engine = shared_from_this(), transfer = std::move(transfer),
+                         told](std::unique_ptr<Waiter<Stage>> waiter, boost::asio::cancellation_slot slot) {
+    if (slot.is_connected()) {
+      // The slot may outlive the context, so it must not hold the strand.
+      slot.assign(
+          [weakEngine = std::weak_ptr(engine), weakTransfer = std::weak_ptr(transfer)](boost::asio::cancellation_type) {
             const auto target = weakTransfer.lock();
-            if (const auto alive = weakEngine.lock(); alive && target) alive->cancelLater(target);
+            if (const auto alive = weakEngine.lock(); alive && target) alive->abandon(target);
           });
-        }
-        // The waiter joins the transfer only on the strand: were they joined here, a context that ends in between would
-        // leave a ring of references.
-        boost::asio::dispatch(executor, [engine, transfer, waiter = std::move(waiter)]() mutable {
-          engine->start(std::move(transfer), std::move(waiter));
-        });
-      });
+    }
+    // The waiter joins the transfer only on the strand: were they joined here, a context that ends in between would
+    // leave a ring of references.
+    boost::asio::dispatch(executor, [engine, transfer, told, waiter = std::move(waiter)]() mutable {
+      engine->attend({std::move(transfer), std::move(waiter), told});
+    });
+  });
 }
 
-void CurlEngine::start(Transfer transfer, std::unique_ptr<Waiter<Transfer>> waiter) {
+void CurlEngine::attend(Running attended) {
+  const auto known = running_.find(attended.transfer->easy());
+  if (attended.transfer->ended()) {
+    attended.waiter->resume({}, {true, attended.transfer->counts()});
+  } else if (known == running_.end()) {
+    start(std::move(attended));
+  } else {
+    known->second = std::move(attended);
+    tell(known->second);
+  }
+}
+
+void CurlEngine::start(Running starting) {
+  auto& transfer = *starting.transfer;
   // Sent on a connection that the server has closed, such a request would be lost: it must not be sent twice.
-  if (running_.empty() && !isIdempotent(transfer->request.method)) io_->sockets.dropClosedByServer();
+  if (!isIdempotent(transfer.request.method)) io_->sockets.dropClosedByServer();
   CURL* easy = takeHandle();
-  CURLcode code = easy == nullptr ? CURLE_OUT_OF_MEMORY : transfer->begin(easy, settings_);
+  CURLcode code = easy == nullptr ? CURLE_OUT_OF_MEMORY : transfer.begin(easy, settings_);
   if (code == CURLE_OK) code = curl_easy_setopt(easy, CURLOPT_OPENSOCKETFUNCTION, &CurlEngine::onOpen);
   if (code == CURLE_OK) code = curl_easy_setopt(easy, CURLOPT_OPENSOCKETDATA, this);
   if (code == CURLE_OK && curl_multi_add_handle(multi_, easy) != CURLM_OK) code = CURLE_FAILED_INIT;
-  Running running{std::move(transfer), std::move(waiter)};
   if (code != CURLE_OK) {
-    finish(running, code, {});
+    finish(starting, code, {});
     return;
   }
-  running_.emplace(easy, std::move(running));
+  if (transfer.isWatched()) watched_.insert(easy);
+  running_.emplace(easy, std::move(starting));
   pumpSoon();
 }
 
-void CurlEngine::cancelLater(const Transfer& transfer) {
+void CurlEngine::abandon(const Transfer& transfer) noexcept {
   try {
     boost::asio::post(strand_->executor(), [weakEngine = weak_from_this(), weakTransfer = std::weak_ptr(transfer)] {
       const auto target = weakTransfer.lock();
@@ -132,8 +146,14 @@ void CurlEngine::cancel(const Transfer& transfer) {
 void CurlEngine::finish(const Running& running, CURLcode code, boost::system::error_code error) {
   CURL* easy = running.transfer->easy();
   running.transfer->end(code);
+  watched_.erase(easy);
   giveBack(easy);
-  running.waiter->resume(error, running.transfer);
+  if (running.waiter) running.waiter->resume(error, {true, running.transfer->counts()});
+}
+
+void CurlEngine::tell(Running& running) {
+  const TransferCounts& counts = running.transfer->counts();
+  if (running.waiter && counts != running.told) std::exchange(running.waiter, nullptr)->resume({}, {false, counts});
 }
 
 void CurlEngine::pumpSoon() {
@@ -149,14 +169,18 @@ void CurlEngine::pumpSoon() {
 }
 
 void CurlEngine::pump() {
-  for (int i = 0; i < mostImmediateCalls && deadline_ && *deadline_ <= Clock_::now(); ++i) {
+  const auto begin = Clock_::now();
+  auto now = begin;
+  for (int i = 0; i < mostImmediateCalls && deadline_ && *deadline_ <= now && now - begin <= longestTurn; ++i) {
     deadline_.reset();
     int running = 0;
     curl_multi_socket_action(multi_, CURL_SOCKET_TIMEOUT, 0, &running);
     reap();
+    now = Clock_::now();
   }
   if (io_->sockets.takeFailedAttempt()) runAll();
   reap();
+  for (CURL* easy : watched_) tell(running_.at(easy));
   setTimer();
   if (running_.empty()) {
     io_->sockets.pause();
@@ -196,7 +220,28 @@ void CurlEngine::reap() {
     const CURLcode code = message->data.result;
     curl_multi_remove_handle(multi_, easy);
     const auto node = running_.extract(easy);
+    const CurlTransfer& transfer = *node.mapped().transfer;
+    if (code != CURLE_OK && !transfer.connected()) endOverdue(transfer);
     finish(node.mapped(), code, {});
+  }
+}
+
+/// Ends those that have waited too long to share the connection that could not be made, unless there is another.
+/// libcurl would let them try to make one in turn, each for as long as connecting may take.
+void CurlEngine::endOverdue(const CurlTransfer& unconnected) {
+  const auto origin = URL::parse(unconnected.request.url);
+  std::vector<CURL*> overdue;
+  for (const auto& [easy, running] : running_) {
+    if (!running.transfer->overdue() && !running.transfer->connected()) continue;
+    const auto url = URL::parse(running.transfer->request.url);
+    if (!origin || !url || !url->hasSameOrigin(*origin)) continue;
+    if (running.transfer->connected()) return;
+    overdue.push_back(easy);
+  }
+  for (CURL* easy : overdue) {
+    const auto node = running_.extract(easy);
+    curl_multi_remove_handle(multi_, easy);
+    finish(node.mapped(), CURLE_OPERATION_TIMEDOUT, {});
   }
 }
 

@@ -18,6 +18,7 @@
 #include <optional>
 #include <span>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace ZAK {
@@ -33,15 +34,24 @@ class CurlEngine final : public ContextBound, public std::enable_shared_from_thi
 
  public:
   using Transfer = std::shared_ptr<CurlTransfer>;
+  /// Where a transfer stands.
+  struct Stage {
+    bool ended = false;
+    TransferCounts counts{};
+  };
 
   /// \throws std::invalid_argument when the executor is empty.
   static std::shared_ptr<CurlEngine> create(const boost::asio::any_io_executor& executor, TransportOptions options);
   CurlEngine(Private, std::shared_ptr<ContextStrand> strand, TransportOptions options);
   ~CurlEngine() override;
 
-  /// Carries out the transfer and yields it, complete, on the caller's executor. A cancellation that reaches the
-  /// caller's coroutine ends the transfer at once with `operation_aborted`, which is all that this throws.
-  boost::asio::awaitable<Transfer> run(Transfer transfer);
+  /// Starts the transfer, or goes on with one that was started, and resumes on the caller's executor when it is
+  /// complete or, if its request wants to know, has come further than `told`. It goes on by itself in between; who does
+  /// not wait for its end has to `abandon` it. A cancellation that reaches the caller's coroutine ends the transfer at
+  /// once with `operation_aborted`, which is all that this throws.
+  boost::asio::awaitable<Stage> run(Transfer transfer, TransferCounts told = {});
+  /// Ends the transfer, unless it has ended, which nobody is told of. Callable from any thread.
+  void abandon(const Transfer& transfer) noexcept;
 
   void contextShutdown() noexcept override;
 
@@ -58,22 +68,26 @@ class CurlEngine final : public ContextBound, public std::enable_shared_from_thi
   };
   struct Running {
     Transfer transfer;
-    std::unique_ptr<Waiter<Transfer>> waiter;
+    /// Null while the caller is busy with what it was told.
+    std::unique_ptr<Waiter<Stage>> waiter;
+    TransferCounts told{};
   };
 
   void open();
   void close() noexcept;
 
-  void start(Transfer transfer, std::unique_ptr<Waiter<Transfer>> waiter);
+  void attend(Running attended);
+  void start(Running starting);
   void cancel(const Transfer& transfer);
-  void cancelLater(const Transfer& transfer);
   void finish(const Running& running, CURLcode code, boost::system::error_code error);
+  void tell(Running& running);
 
   void pumpSoon();
   void pump();
   void runAll();
   void act(std::span<const epoll_event> events);
   void reap();
+  void endOverdue(const CurlTransfer& unconnected);
   void setTimer();
 
   CURL* takeHandle();
@@ -94,6 +108,8 @@ class CurlEngine final : public ContextBound, public std::enable_shared_from_thi
   std::optional<std::chrono::steady_clock::time_point> deadline_;
   std::optional<std::chrono::steady_clock::time_point> timerDeadline_;
   bool pumpPosted_ = false;
+  /// Those of the running transfers whose requests want to know how far they have come.
+  std::unordered_set<CURL*> watched_;
 };
 
 }  // namespace ZAK

@@ -1,5 +1,7 @@
 #include "http/CurlSettings.hpp"
 
+#include "http/BodyReader.hpp"
+
 #include <openssl/ssl.h>
 
 #include <algorithm>
@@ -62,9 +64,13 @@ void setTrust(Setter& set, const CurlSettings& settings) {
   set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
 }
 
+milliseconds stallTimeout(const TransportOptions& options, const TransferRequest& request) {
+  return std::max(request.timeout.value_or(options.stallTimeout), milliseconds(1));
+}
+
 void setTimes(Setter& set, const CurlSettings& settings, const TransferRequest& request) {
-  const auto stall = std::max(request.timeout.value_or(settings.options.stallTimeout), milliseconds(1));
-  const auto connect = std::clamp(settings.options.connectTimeout, milliseconds(1), stall);
+  const auto stall = stallTimeout(settings.options, request);
+  const auto connect = connectTimeout(settings.options, request);
   set(CURLOPT_LOW_SPEED_LIMIT, 1L);
   set(CURLOPT_LOW_SPEED_TIME, static_cast<long>(std::chrono::ceil<std::chrono::seconds>(stall).count()));
   set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(connect.count()));
@@ -77,11 +83,12 @@ void setMethod(Setter& set, const TransferRequest& request) {
   if (request.method == HTTPMethod::head) {
     set(CURLOPT_NOBODY, 1L);
   } else if (request.body.isPresent() || sendsLength) {
-    const auto bytes = request.body.bytes();
     set(CURLOPT_POST, 1L);
-    set(CURLOPT_POSTFIELDS, bytes.empty() ? "" : bytes.data());
-    set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(bytes.size()));
     set(CURLOPT_CUSTOMREQUEST, method.c_str());
+    const std::string* bytes = bytesInMemory(request.body);
+    if (bytes == nullptr && request.body.isPresent()) return;
+    set(CURLOPT_POSTFIELDS, bytes == nullptr ? "" : bytes->c_str());
+    set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(bytes == nullptr ? 0 : bytes->size()));
   } else {
     set(CURLOPT_HTTPGET, 1L);
     if (request.method != HTTPMethod::get) set(CURLOPT_CUSTOMREQUEST, method.c_str());
@@ -121,6 +128,10 @@ CurlSettings::CurlSettings(TransportOptions options_) : options(std::move(option
   lines.reserve(entries.size());
   for (const auto& entry : entries) lines.push_back({entry});
   connectTo = CurlList(lines);
+}
+
+milliseconds connectTimeout(const TransportOptions& options, const TransferRequest& request) {
+  return std::clamp(options.connectTimeout, milliseconds(1), stallTimeout(options, request));
 }
 
 CurlList headerLines(const TransferRequest& request) {

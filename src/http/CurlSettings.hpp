@@ -6,6 +6,7 @@
 #include <curl/curl.h>
 
 #include <array>
+#include <chrono>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,10 +45,14 @@ struct CurlSettings {
   CurlList connectTo;
 };
 
+/// How long a request may wait for a connection that is being made.
+[[nodiscard]] std::chrono::milliseconds connectTimeout(const TransportOptions& options, const TransferRequest& request);
+
 /// The lines for CURLOPT_HTTPHEADER: the request's own, and those that keep libcurl from adding some of itself.
 [[nodiscard]] CurlList headerLines(const TransferRequest& request);
 
-/// Sets everything but the callbacks for one request on a handle that is new or reset. `request`, `lines` and
+/// Sets everything but the callbacks, and the length of a body that has to be read, for one request on a handle that is
+/// new or reset. `request`, `lines` and
 /// `settings` must outlive the transfer. An option that could not be set is an error: the transfer must not start.
 [[nodiscard]] CURLcode configure(CURL* easy, const CurlSettings& settings, const TransferRequest& request,
                                  const CurlList& lines);

@@ -45,6 +45,7 @@ void CurlSockets::opened(curl_socket_t number) {
 void CurlSockets::dropClosedByServer() {
   std::erase_if(opened_, [](const auto& socket) { return identity(socket.first) != socket.second; });
   for (const auto& [number, inode] : opened_) {
+    if (wanted_.contains(number)) continue;  // in use
     std::array<char, 4096> ignored;
     const auto receive = [&, socket = number] { return ::recv(socket, ignored.data(), ignored.size(), MSG_DONTWAIT); };
     if (::recv(number, ignored.data(), 1, MSG_PEEK | MSG_DONTWAIT) < 0) continue;

@@ -33,9 +33,8 @@ class CurlSockets {
   /// To be told of every socket that is opened for libcurl: what it wants to know of an earlier one of that number it
   /// takes for granted with the new one.
   void opened(curl_socket_t number);
-  /// Ends for good the connections on which something came that nobody asked for, so that libcurl opens others: the
-  /// server has closed them. libcurl itself takes the farewell of TLS for a sign of life. To be called only while no
-  /// transfer runs.
+  /// Ends for good the idle connections on which something came that nobody asked for, so that libcurl opens others:
+  /// the server has closed them. libcurl itself takes the farewell of TLS for a sign of life.
   void dropClosedByServer();
   /// Changes what libcurl wants to know of a socket, in CURL_POLL_ values. False when the kernel refuses.
   [[nodiscard]] bool watch(curl_socket_t number, int what);

@@ -4,7 +4,10 @@
 
 #include <zvapikit/json/JSONDecoder.hpp>
 
+#include <boost/algorithm/string/predicate.hpp>
+
 #include <algorithm>
+#include <cstdio>
 
 namespace ZAK {
 namespace {
@@ -44,29 +47,60 @@ std::string protocolName(long version) {
 
 CURLcode CurlTransfer::begin(CURL* easy, const CurlSettings& settings) {
   easy_ = easy;
+  connectBy_ = std::chrono::steady_clock::now() + connectTimeout(settings.options, request);
   lines_ = headerLines(request);
   maximumBodySize_ = settings.options.maximumBodySize;
-  curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, &CurlTransfer::onHeader);
-  curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
-  curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &CurlTransfer::onBody);
-  curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
-  if (!isIdempotent(request.method)) {
-    // Where this cannot be watched the transfer must not start.
-    CURLcode code = curl_easy_setopt(easy, CURLOPT_PREREQFUNCTION, &CurlTransfer::onSend);
-    if (code == CURLE_OK) code = curl_easy_setopt(easy, CURLOPT_PREREQDATA, this);
-    if (code != CURLE_OK) return code;
+  CURLcode code = openFiles();
+  if (code == CURLE_OK) code = setCallbacks();
+  return code == CURLE_OK ? configure(easy, settings, request, lines_) : code;
+}
+
+CURLcode CurlTransfer::openFiles() {
+  try {
+    if (request.body.isPresent() && bytesInMemory(request.body) == nullptr) reader_.emplace(request.body);
+    if (request.destination) download_.emplace(*request.destination);
+  } catch (const std::filesystem::filesystem_error& failure) {
+    fileFailure_ = failure;
+    return CURLE_FAILED_INIT;
   }
-  return configure(easy, settings, request, lines_);
+  return CURLE_OK;
+}
+
+CURLcode CurlTransfer::setCallbacks() {
+  curl_easy_setopt(easy_, CURLOPT_HEADERFUNCTION, &CurlTransfer::onHeader);
+  curl_easy_setopt(easy_, CURLOPT_HEADERDATA, this);
+  curl_easy_setopt(easy_, CURLOPT_WRITEFUNCTION, &CurlTransfer::onBody);
+  curl_easy_setopt(easy_, CURLOPT_WRITEDATA, this);
+  if (reader_) {
+    curl_easy_setopt(easy_, CURLOPT_READFUNCTION, &CurlTransfer::onRead);
+    curl_easy_setopt(easy_, CURLOPT_READDATA, this);
+    curl_easy_setopt(easy_, CURLOPT_SEEKFUNCTION, &CurlTransfer::onSeek);
+    curl_easy_setopt(easy_, CURLOPT_SEEKDATA, this);
+    curl_easy_setopt(easy_, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(reader_->size()));
+  }
+  if (isWatched()) {
+    curl_easy_setopt(easy_, CURLOPT_NOPROGRESS, 0L);
+    curl_easy_setopt(easy_, CURLOPT_XFERINFOFUNCTION, &CurlTransfer::onProgress);
+    curl_easy_setopt(easy_, CURLOPT_XFERINFODATA, this);
+    count(0, 0);
+  }
+  if (isIdempotent(request.method)) return CURLE_OK;
+  // Where this cannot be watched the transfer must not start.
+  const CURLcode code = curl_easy_setopt(easy_, CURLOPT_PREREQFUNCTION, &CurlTransfer::onSend);
+  return code == CURLE_OK ? curl_easy_setopt(easy_, CURLOPT_PREREQDATA, this) : code;
 }
 
 void CurlTransfer::end(CURLcode code) {
   auto& response = result.response;
   response.statusCode = head_.statusCode();
   if (code == CURLE_OK && head_.contradictsItself()) code = CURLE_WEIRD_SERVER_REPLY;
-  response.headers = head_.takeHeaders();
   collectMetrics();
+  count(response.metrics.bytesSent, response.metrics.bytesReceived);
+  response.headers = head_.takeHeaders();
   // A connection that ends within the head is no error to libcurl.
   if (code == CURLE_OK && !head_.complete()) code = CURLE_PARTIAL_FILE;
+  if (code == CURLE_OK && request.yieldsFile(response.statusCode)) code = keepDownload();
+  download_.reset();
   if (code != CURLE_OK) {
     response.error = errorOf(code);
   } else if (const char* target = info<const char*>(easy_, CURLINFO_REDIRECT_URL)) {
@@ -75,15 +109,51 @@ void CurlTransfer::end(CURLcode code) {
   result.answerStarted =
       head_.started() || (response.error && response.error->kind() == HTTPError::Kind::invalidAnswer);
   easy_ = nullptr;
+  ended_ = true;
+}
+
+CURLcode CurlTransfer::keepDownload() {
+  auto& response = result.response;
+  if (response.statusCode.code() == 206 && !request.headers.contains("Range")) return CURLE_WEIRD_SERVER_REPLY;
+  // A body that ends with the connection may have been cut short: libcurl does not tell whether TLS was ended first.
+  // A length or a coding that the server names is no end either where libcurl cannot go by it.
+  const bool saysItsEnd =
+      info<curl_off_t>(easy_, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T) >= 0 || response.metrics.protocol == "HTTP/2" ||
+      boost::algorithm::iends_with(response.headers.value("Transfer-Encoding").value_or(""), "chunked");
+  if (!saysItsEnd) return CURLE_WEIRD_SERVER_REPLY;
+  try {
+    download_->replace();
+    response.file = request.destination;
+    return CURLE_OK;
+  } catch (const std::filesystem::filesystem_error& failure) {
+    fileFailure_ = failure;
+    return CURLE_WRITE_ERROR;
+  }
+}
+
+void CurlTransfer::count(std::uint64_t sent, std::uint64_t received) {
+  if (const std::string* bytes = bytesInMemory(request.body)) {
+    counts_.sent = {sent, bytes->size()};
+  } else if (reader_) {
+    counts_.sent = {sent, reader_->size()};
+  }
+  if (!head_.complete() || !head_.statusCode().isSuccess()) return;
+  const auto total = info<curl_off_t>(easy_, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T);
+  counts_.received = {received, total < 0 ? std::nullopt : std::optional(static_cast<std::uint64_t>(total))};
+}
+
+bool CurlTransfer::connected() const {
+  return head_.started() || info<curl_off_t>(easy_, CURLINFO_PRETRANSFER_TIME_T) > 0;
 }
 
 HTTPError CurlTransfer::errorOf(CURLcode code) const {
+  if (fileFailure_) return fileError(*fileFailure_, head_.statusCode());
   TransferFailure failure;
   failure.code = code;
   failure.statusCode = head_.statusCode();
   failure.systemError = static_cast<int>(info<long>(easy_, CURLINFO_OS_ERRNO));
   failure.verifyResult = info<long>(easy_, CURLINFO_SSL_VERIFYRESULT);
-  failure.connected = head_.started() || info<curl_off_t>(easy_, CURLINFO_PRETRANSFER_TIME_T) > 0;
+  failure.connected = connected();
   failure.headTooLarge = head_.tooLarge() || (code == CURLE_OUT_OF_MEMORY && head_.started());
   failure.bodyTooLarge = bodyTooLarge_;
   return transferError(failure);
@@ -113,6 +183,27 @@ int CurlTransfer::onSend(void* transfer, char*, char*, int, int) noexcept {
   return sent > *self.sentAtFirst_ ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
 }
 
+std::size_t CurlTransfer::onRead(char* room, std::size_t size, std::size_t count, void* transfer) noexcept {
+  auto& self = *static_cast<CurlTransfer*>(transfer);
+  try {
+    return self.reader_->read({room, size * count});
+  } catch (const std::filesystem::filesystem_error& failure) {
+    self.fileFailure_ = failure;
+    return CURL_READFUNC_ABORT;
+  }
+}
+
+int CurlTransfer::onSeek(void* transfer, curl_off_t offset, int origin) noexcept {
+  if (offset != 0 || origin != SEEK_SET) return CURL_SEEKFUNC_CANTSEEK;
+  static_cast<CurlTransfer*>(transfer)->reader_->rewind();
+  return CURL_SEEKFUNC_OK;
+}
+
+int CurlTransfer::onProgress(void* transfer, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent) noexcept {
+  static_cast<CurlTransfer*>(transfer)->count(static_cast<std::uint64_t>(sent), static_cast<std::uint64_t>(received));
+  return 0;
+}
+
 std::size_t CurlTransfer::onHeader(char* data, std::size_t size, std::size_t count, void* transfer) noexcept {
   auto& head = static_cast<CurlTransfer*>(transfer)->head_;
   head.add({data, size * count});
@@ -124,14 +215,27 @@ std::size_t CurlTransfer::onBody(char* data, std::size_t size, std::size_t count
 }
 
 bool CurlTransfer::append(std::string_view bytes) {
+  if (request.yieldsFile(head_.statusCode())) {
+    try {
+      download_->write(bytes);
+      return true;
+    } catch (const std::filesystem::filesystem_error& failure) {
+      fileFailure_ = failure;
+      return false;
+    }
+  }
   auto& body = result.response.body;
   bodyTooLarge_ = bytes.size() > maximumBodySize_ - body.size();
   if (bodyTooLarge_) return false;
+  // Always with room to spare for the decoder, also where the length was not announced, or only that of packed bytes.
+  std::size_t wanted = body.size() + bytes.size();
   if (body.empty()) {
-    body.reserve(std::min<std::uint64_t>(byteCount(easy_, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T),
-                                         std::min(largestReserve, maximumBodySize_)) +
-                 JSONBody::wantedPadding);
+    const std::uint64_t announced = byteCount(easy_, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T);
+    wanted =
+        std::max<std::size_t>(wanted, std::min<std::uint64_t>(announced, std::min(largestReserve, maximumBodySize_)));
   }
+  wanted += JSONBody::wantedPadding;
+  if (wanted > body.capacity()) body.reserve(std::max(wanted, 2 * body.capacity()));
   body.append(bytes);
   return true;
 }

@@ -5,6 +5,9 @@
 
 #include <zvapikit/http/CurlTransport.hpp>
 
+#include <boost/asio/cancellation_state.hpp>
+#include <boost/asio/this_coro.hpp>
+
 #include <chrono>
 #include <utility>
 
@@ -23,14 +26,33 @@ void account(HTTPMetrics& metrics, microseconds earlier, std::size_t redirects) 
   metrics.redirects = static_cast<int>(redirects);
 }
 
+/// Ends a transfer that goes on while its caller does something else, when that never comes back to it.
+struct Attendance {
+  ~Attendance() {
+    if (isAway) engine->abandon(transfer);
+  }
+  const std::shared_ptr<CurlEngine>& engine;
+  const CurlEngine::Transfer& transfer;
+  bool isAway = false;
+};
+
 boost::asio::awaitable<TransferResult> performOn(std::shared_ptr<CurlEngine> engine, TransferRequest request) {
   co_await acceptAllCancellation();
   const auto begin = std::chrono::steady_clock::now();
   std::vector<URL> redirects;
   for (;;) {
     const auto earlier = std::chrono::floor<microseconds>(std::chrono::steady_clock::now() - begin);
-    auto started = std::make_shared<CurlTransfer>(std::move(request));
-    const auto transfer = co_await engine->run(std::move(started));
+    const auto transfer = std::make_shared<CurlTransfer>(std::move(request));
+    Attendance attendance{engine, transfer};
+    TransferCounts told;
+    do {
+      const auto stage = co_await engine->run(transfer, told);
+      attendance.isAway = !stage.ended;
+      const auto state = co_await boost::asio::this_coro::cancellation_state;
+      if (attendance.isAway && state.cancelled() != boost::asio::cancellation_type::none) throwCancelled();
+      stage.counts.tell(transfer->request.progress, told);
+      told = stage.counts;
+    } while (attendance.isAway);
     auto& response = transfer->result.response;
     const auto step = nextStep(transfer->request, response, transfer->redirectTarget, redirects.size());
     if (!step.destination) {

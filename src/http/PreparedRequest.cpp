@@ -43,10 +43,10 @@ bool isToken(std::string_view name) noexcept {
   });
 }
 
-/// The client's headers, then the body's type, then the request's own.
+/// The client's headers, then the body's type, then the request's own, which may name another type.
 HTTPHeaders mergedHeaders(const HTTPRequest& request, const HTTPHeaders& defaults) {
   HTTPHeaders headers = defaults;
-  if (!request.body.contentType().empty()) {
+  if (!request.body.contentType().empty() && !request.headers.contains("Content-Type")) {
     headers.set(HTTPHeaders::Element::contentType(request.body.contentType()));
   }
   for (const HTTPHeaders::Element& element : request.headers.elements()) headers.set(element);
@@ -71,6 +71,8 @@ PreparedRequest prepared(const HTTPRequest& request, const RequestDefaults& defa
   transfer.body = request.body;
   transfer.timeout = request.timeout;
   transfer.maxRedirects = request.maxRedirects.value_or(defaults.maxRedirects);
+  transfer.destination = request.destination;
+  transfer.progress = request.progress;
   if (request.isAbsolute() && defaults.baseURL && transfer.headers.contains("Authorization") &&
       !result.url.hasSameOrigin(*defaults.baseURL)) {
     refuse("a client's Authorization is for its own server only");

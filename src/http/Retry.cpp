@@ -19,7 +19,8 @@ class DefaultValidator : public HTTPValidator {
  public:
   HTTPValidatorResult validate(const HTTPResponse& response, const HTTPRequest& request) override {
     if (!response.error) return HTTPValidatorResult::next();
-    if (!response.hasAnswer() && !response.answerStarted && isIdempotent(request.method)) {
+    const bool isLocal = response.error->kind() == HTTPError::Kind::fileSystem;
+    if (!response.hasAnswer() && !response.answerStarted && !isLocal && isIdempotent(request.method)) {
       return HTTPValidatorResult::retry(HTTPRetryStrategy::exponential(2));
     }
     return HTTPValidatorResult::fail(std::make_shared<HTTPError>(*response.error));

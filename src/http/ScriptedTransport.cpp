@@ -1,4 +1,8 @@
+#include "http/BodyReader.hpp"
 #include "http/Gate.hpp"
+#include "http/TransferCounts.hpp"
+#include "http/TransferError.hpp"
+#include "platform/FileReplacement.hpp"
 
 #include <zvapikit/http/ScriptedTransport.hpp>
 
@@ -101,10 +105,36 @@ struct ScriptedTransport::State {
     return entry;
   }
 
+  /// Reads the request's body, puts the answer's where it belongs, and tells of both.
+  static void exchangeBodies(const TransferRequest& request, TransferResult& result) {
+    if (result.response.error) return;
+    TransferCounts counts;
+    auto& response = result.response;
+    try {
+      if (request.body.isPresent()) {
+        const std::uint64_t size = BodyReader(request.body).size();
+        counts.sent = {size, size};
+      }
+      if (response.statusCode.isSuccess()) counts.received = {response.body.size(), response.body.size()};
+      if (request.yieldsFile(response.statusCode)) {
+        FileReplacement file(*request.destination);
+        file.write(response.body);
+        file.replace();
+        response.file = request.destination;
+        response.body.clear();
+      }
+    } catch (const std::filesystem::filesystem_error& failure) {
+      response.error = fileError(failure, response.statusCode);
+    }
+    counts.tell(request.progress, {});
+  }
+
   static asio::awaitable<TransferResult> perform(std::shared_ptr<State> state, TransferRequest request) {
-    Entry entry = state->take(std::move(request));
+    Entry entry = state->take(request);
     if (entry.hold) co_await entry.hold->wait();
-    co_return std::move(entry.answer.result);
+    TransferResult result = std::move(entry.answer.result);
+    exchangeBodies(request, result);
+    co_return result;
   }
 };
 
@@ -132,11 +162,6 @@ asio::awaitable<TransferResult> ScriptedTransport::perform(TransferRequest reque
 std::vector<TransferRequest> ScriptedTransport::requests() const {
   const std::scoped_lock lock(state_->mutex);
   return state_->requests;
-}
-
-std::size_t ScriptedTransport::remainingAnswers() const {
-  const std::scoped_lock lock(state_->mutex);
-  return state_->script.size();
 }
 
 }  // namespace ZAK

@@ -97,4 +97,9 @@ HTTPError transferError(const TransferFailure& failure) {
   return HTTPError(kind, failure.statusCode, std::move(message), static_cast<int>(failure.code));
 }
 
+HTTPError fileError(const std::filesystem::filesystem_error& failure, HTTPStatusCode status) {
+  return HTTPError(Kind::fileSystem, status, "a file failed: " + failure.code().message(), 0,
+                   std::make_shared<std::filesystem::filesystem_error>(failure));
+}
+
 }  // namespace ZAK

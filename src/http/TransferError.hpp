@@ -4,6 +4,8 @@
 
 #include <curl/curl.h>
 
+#include <filesystem>
+
 namespace ZAK {
 
 /// What is known of a transfer that libcurl ended with an error.
@@ -24,5 +26,9 @@ struct TransferFailure {
 };
 
 [[nodiscard]] HTTPError transferError(const TransferFailure& failure);
+
+/// The error of a transfer whose file to send or to fill failed. Does not name the file, which its underlying error
+/// does.
+[[nodiscard]] HTTPError fileError(const std::filesystem::filesystem_error& failure, HTTPStatusCode status);
 
 }  // namespace ZAK

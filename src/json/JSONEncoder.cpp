@@ -1,10 +1,10 @@
+#include "json/DateText.hpp"
 #include "json/JSONOutput.hpp"
 #include "json/ReferenceDate.hpp"
 
 #include <zvapikit/json/JSONEncoder.hpp>
 #include <zvapikit/json/JSONErrors.hpp>
 #include <zvapikit/json/JSONWriter.hpp>
-#include <zvapikit/json/JavaScriptISO8601DateFormatter.hpp>
 
 #include <simdjson.h>
 
@@ -25,10 +25,33 @@ void append(TextBuffer& text, Number number) {
   text.advance(std::to_chars(start, start + longest, number).ptr);
 }
 
+/// Sixteen bytes that are worked on at once.
+using Block = signed char __attribute__((vector_size(16)));
+
+bool isZero(Block block) noexcept {
+  std::uint64_t halves[2];
+  std::memcpy(halves, &block, sizeof halves);
+  return (halves[0] | halves[1]) == 0;
+}
+
 /// Copies the text, and tells whether it is printable ASCII without `"` and `\`, which needs neither escapes nor a look
 /// at its encoding.
 bool copyIfPlain(std::string_view text, char* to) noexcept {
-  // Eight bytes at a time; a lane's top bit tells that the byte is one of the others.
+  const std::size_t size = text.size();
+  // The last word of either kind overlaps the one before it where the size is no multiple.
+  if (size >= sizeof(Block)) {
+    Block found{};
+    const auto copy = [&](std::size_t position) {
+      Block block;
+      std::memcpy(&block, text.data() + position, sizeof block);
+      std::memcpy(to + position, &block, sizeof block);
+      found |= (block < ' ') | (block == '"') | (block == '\\');  // bytes outside ASCII are negative
+    };
+    for (std::size_t i = 0; i + sizeof(Block) < size; i += sizeof(Block)) copy(i);
+    copy(size - sizeof(Block));
+    return isZero(found);
+  }
+  // A lane's top bit tells that the byte is one of the others.
   constexpr std::uint64_t ones = 0x0101010101010101, tops = 0x8080808080808080;
   std::uint64_t found = 0;
   const auto copy = [&]<class Word>(Word word, std::size_t position) {
@@ -38,10 +61,8 @@ bool copyIfPlain(std::string_view text, char* to) noexcept {
     const std::uint64_t quote = word ^ static_cast<Word>(one * '"'), backslash = word ^ static_cast<Word>(one * '\\');
     found |= (word | (word - one * 0x20u) | (quote - one) | (backslash - one)) & static_cast<Word>(tops);
   };
-  // The last word overlaps the one before it where the size is no multiple.
-  const std::size_t size = text.size();
   if (size >= 8) {
-    for (std::size_t i = 0; i + 8 < size; i += 8) copy(std::uint64_t{}, i);
+    copy(std::uint64_t{}, 0);
     copy(std::uint64_t{}, size - 8);
   } else if (size >= 4) {
     copy(std::uint32_t{}, 0);
@@ -50,6 +71,13 @@ bool copyIfPlain(std::string_view text, char* to) noexcept {
     for (std::size_t i = 0; i < size; ++i) copy(std::uint8_t{}, i);
   }
   return found == 0;
+}
+
+/// Writes a plain text in quotes and yields where it ends; null for any other.
+char* quoteIfPlain(std::string_view text, char* to) noexcept {
+  if (!copyIfPlain(text, to + 1)) return nullptr;
+  *to = to[text.size() + 1] = '"';
+  return to + text.size() + 2;
 }
 
 }  // namespace
@@ -99,11 +127,18 @@ void JSONOutput::write(const JSONType& type, const void* value) {
 }
 
 void JSONOutput::writeString(std::string_view text) {
-  char* const start = text_.room(text.size() + 2);
-  if (!copyIfPlain(text, start + 1)) return writeEscaped(text);
-  *start = '"';
-  start[text.size() + 1] = '"';
-  text_.advance(start + text.size() + 2);
+  if (char* const end = quoteIfPlain(text, text_.room(text.size() + 2))) return text_.advance(end);
+  writeEscaped(text);
+}
+
+void JSONOutput::writeKey(std::string_view key) {
+  if (text_.last() != '{') text_.append(',');
+  if (char* const end = quoteIfPlain(key, text_.room(key.size() + 3))) {
+    *end = ':';
+    return text_.advance(end + 1);
+  }
+  writeEscaped(key);
+  text_.append(':');
 }
 
 void JSONOutput::writeEscaped(std::string_view text) {
@@ -162,9 +197,10 @@ void JSONOutput::writeDate(Date date) {
     text_.append(std::string_view(fraction).substr(1, fraction.find_last_not_of('0')));
     return;
   }
-  const std::string text = JavaScriptISO8601DateFormatter::string(date);
-  if (text.empty()) fail("The date is outside the years 1 to 9999.");
-  writeString(text);
+  char* const start = text_.room(dateTextSize + 2);
+  if (!writeDateText(date, start + 1)) fail("The date is outside the years 1 to 9999.");
+  *start = start[dateTextSize + 1] = '"';
+  text_.advance(start + dateTextSize + 2);
 }
 
 void JSONOutput::writeArray(const JSONType& type, const void* array) {
@@ -210,13 +246,14 @@ void JSONOutput::writeRecord(const JSONType& type, const void* record) {
 void JSONOutput::beginObject() { text_.append('{'); }
 
 void JSONOutput::writeField(std::string_view key, const JSONType& type, const void* value) {
-  if (type.kind == Kind::optional && !type.writesNull && !type.content(value)) return;
-  if (text_.last() != '{') text_.append(',');
+  const bool isOptional = type.kind == Kind::optional;
+  const void* const content = isOptional ? type.content(value) : value;
+  if (!content && !type.writesNull) return;
   CodingFrameScope frame(frame_, false);
   frame.enter(key);
-  writeString(key);
-  text_.append(':');
-  write(type, value);
+  writeKey(key);
+  if (!content) return text_.append("null");
+  write(isOptional ? *type.element : type, content);
 }
 
 void JSONOutput::endObject() { text_.append('}'); }

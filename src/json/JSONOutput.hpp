@@ -25,6 +25,7 @@ class JSONOutput {
 
  private:
   void writeString(std::string_view text);
+  void writeKey(std::string_view key);
   void writeEscaped(std::string_view text);
   void writeNumber(double number);
   void writeRawValue(const JSONType& type, const void* value);

@@ -28,6 +28,11 @@ void redact(Tree& tree) {
     }
   } else if (tree.is_array()) {
     for (Tree& value : tree) redact(value);
+  } else if (tree.is_string()) {
+    // Whoever has a signed URL may do what it was signed for.
+    auto& text = tree.get_ref<std::string&>();
+    const std::size_t query = text.find('?');
+    if (text.starts_with("https://") && query != std::string::npos) text.replace(query + 1, text.npos, "<redacted>");
   }
 }
 

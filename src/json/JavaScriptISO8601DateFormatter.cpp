@@ -1,3 +1,5 @@
+#include "json/DateText.hpp"
+
 #include <zvapikit/json/JavaScriptISO8601DateFormatter.hpp>
 
 namespace ZAK {
@@ -102,25 +104,30 @@ std::optional<Date> JavaScriptISO8601DateFormatter::date(std::string_view text) 
 }
 
 std::string JavaScriptISO8601DateFormatter::string(Date date) {
-  if (!hasText(date)) return {};
+  char text[detail::dateTextSize];
+  return detail::writeDateText(date, text) ? std::string(text, sizeof text) : std::string();
+}
+
+bool detail::writeDateText(Date date, char* to) noexcept {
+  if (!hasText(date)) return false;
   const auto rounded = floor<milliseconds>(date + std::chrono::microseconds(500));
   const auto day = floor<days>(rounded);
   const std::chrono::year_month_day ymd{day};
-  const long long ofDay = (rounded - day).count();
+  const auto ofDay = static_cast<unsigned>((rounded - day).count());
 
-  std::string text = "0000-00-00T00:00:00.000Z";
-  // Writes the number so that its last digit stands before `end`.
-  const auto write = [&text](std::size_t end, long long number) {
-    for (; number > 0; number /= 10) text[--end] = static_cast<char>('0' + number % 10);
+  const auto write = [&to](std::size_t digits, unsigned number, char end) {
+    for (std::size_t i = digits; i > 0; number /= 10) to[--i] = static_cast<char>('0' + number % 10);
+    to += digits;
+    *to++ = end;
   };
-  write(4, int(ymd.year()));
-  write(7, unsigned(ymd.month()));
-  write(10, unsigned(ymd.day()));
-  write(13, ofDay / 3'600'000);
-  write(16, ofDay / 60'000 % 60);
-  write(19, ofDay / 1000 % 60);
-  write(23, ofDay % 1000);
-  return text;
+  write(4, static_cast<unsigned>(int(ymd.year())), '-');
+  write(2, unsigned(ymd.month()), '-');
+  write(2, unsigned(ymd.day()), 'T');
+  write(2, ofDay / 3'600'000, ':');
+  write(2, ofDay / 60'000 % 60, ':');
+  write(2, ofDay / 1000 % 60, '.');
+  write(3, ofDay % 1000, 'Z');
+  return true;
 }
 
 }  // namespace ZAK

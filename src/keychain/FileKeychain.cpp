@@ -19,9 +19,6 @@ constexpr std::size_t checksumSize = 32;
 constexpr std::size_t lengthSize = 8;
 constexpr std::size_t headerSize = magic.size() + checksumSize + lengthSize;
 
-/// Room for the dots and the random suffix of a temporary name.
-constexpr std::size_t maximumName = NAME_MAX - 18;
-
 std::string lengthText(std::size_t length) {
   std::string text(lengthSize, '\0');
   for (std::size_t i = lengthSize; i-- > 0; length >>= 8) text[i] = static_cast<char>(length & 0xff);
@@ -86,7 +83,7 @@ void FileKeychain::remove(const std::string& key, KeychainOptions) {
 /// The separator and the ending are characters that escaping leaves to them, so two items never share a name.
 std::string FileKeychain::fileName(const std::string& key) const {
   std::string name = escaped(settings().accessGroup) + "+" + escaped(key) + ".item";
-  if (key.empty() || name.size() > maximumName) throw KeychainError(KeychainStatus::param);
+  if (key.empty() || name.size() > NAME_MAX) throw KeychainError(KeychainStatus::param);
   return name;
 }
 

@@ -33,6 +33,9 @@ bool isPartOfName(std::string_view text) {
 MemoriesVideoLocation generated(std::string_view kind, std::string_view recapName, const std::string& extension,
                                 const fs::path& documents) {
   if (!isPartOfName(recapName) || !isPartOfName(extension)) throw ZAKError(ZAKError::urlNotValid);
+  if (documents.empty()) {
+    throw fs::filesystem_error("no home for the documents", std::make_error_code(std::errc::no_such_file_or_directory));
+  }
   const std::string directory = "memories/" + std::string(kind) + '/';
   Directories::createPrivate(documents / directory);
   return MemoriesVideoLocation::documents(directory + "Zolvi " + std::string(recapName) + " Video Recap." + extension);

@@ -1,39 +1,21 @@
 #pragma once
 
+#include "platform/FileDescriptor.hpp"
+
 #include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 
 namespace ZAK {
-
-/// Owns a POSIX file descriptor.
-class FileDescriptor {
- public:
-  FileDescriptor() noexcept = default;
-  explicit FileDescriptor(int descriptor) noexcept : descriptor_(descriptor) {}
-  FileDescriptor(FileDescriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
-  FileDescriptor& operator=(FileDescriptor&& other) noexcept {
-    std::swap(descriptor_, other.descriptor_);
-    return *this;
-  }
-  ~FileDescriptor();
-
-  [[nodiscard]] int get() const noexcept { return descriptor_; }
-  explicit operator bool() const noexcept { return descriptor_ >= 0; }
-
- private:
-  int descriptor_ = -1;
-};
 
 /// A directory, and files in it, that belong to the user alone. Links are never followed, in the directory's last
 /// component nor in the files. All operations throw `std::system_error`.
 class PrivateDirectory {
  public:
-  /// Opens the directory after creating what is missing of it, mode 0700. One that exists must be the user's; group
-  /// and others are taken off it.
+  /// Opens the directory after creating what is missing of it, mode 0700. One that exists must be the user's, and not
+  /// one for all as /tmp is; group and others are taken off it.
   static PrivateDirectory create(const std::filesystem::path& path);
   /// Opens the directory under the same conditions; absent when there is none.
   static std::optional<PrivateDirectory> open(const std::filesystem::path& path);
@@ -53,9 +35,7 @@ class PrivateDirectory {
  private:
   explicit PrivateDirectory(const std::filesystem::path& path);
 
-  [[nodiscard]] std::string writeTemporary(const std::string& name, std::string_view content) const;
-  void removeAbandoned(const std::string& name) const;
-  void sync() const;
+  [[nodiscard]] FileDescriptor duplicate() const;
 
   FileDescriptor descriptor_;
 };

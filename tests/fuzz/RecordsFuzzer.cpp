@@ -9,7 +9,13 @@
 #include <zvapikit/json/JSONEncoder.hpp>
 #include <zvapikit/json/JSONPrinting.hpp>
 #include <zvapikit/model/CreatePostDto.hpp>
+#include <zvapikit/model/FofPostDto.hpp>
+#include <zvapikit/model/LegacyPostDto.hpp>
+#include <zvapikit/model/MemoriesDto.hpp>
+#include <zvapikit/model/MemoriesRecapDto.hpp>
+#include <zvapikit/model/MemoriesVideoLocation.hpp>
 #include <zvapikit/model/PostDto.hpp>
+#include <zvapikit/model/ProfileDto.hpp>
 #include <zvapikit/model/UploadUrlDto.hpp>
 
 #include <simdjson.h>
@@ -65,6 +71,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   check<CreatePostDto>(body);
   check<UploadUrlDto>(body);
   check<TokenRequestDto>(body);
+  check<std::vector<LegacyPostDto>>(body);
+  check<CollectionDto<FofPostDto>>(body);
+  check<MemoriesDto>(body);
+  check<MemoriesRecapsDto>(body);
+  check<MemoriesVideoLocation>(body);
+  check<ProfileDto>(body);
   check<ErrorDto>(body);
   checkPrinting(body, check<TokenDto>(body, JSONDateStrategy::secondsSince2001));
   return 0;

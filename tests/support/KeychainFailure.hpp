@@ -5,7 +5,7 @@
 #include <functional>
 #include <optional>
 
-namespace ZAK::Testing {
+namespace ZAK::Tests {
 
 /// The status that the operation fails with; absent when it succeeds.
 inline std::optional<KeychainStatus> failureOf(const std::function<void()>& operation) {
@@ -17,4 +17,4 @@ inline std::optional<KeychainStatus> failureOf(const std::function<void()>& oper
   }
 }
 
-}  // namespace ZAK::Testing
+}  // namespace ZAK::Tests

@@ -3,8 +3,11 @@
 #include <boost/asio/any_io_executor.hpp>
 #include <boost/asio/awaitable.hpp>
 #include <boost/asio/bind_cancellation_slot.hpp>
+#include <boost/asio/cancellation_signal.hpp>
 #include <boost/asio/co_spawn.hpp>
+#include <boost/asio/error.hpp>
 #include <boost/asio/io_context.hpp>
+#include <boost/system/system_error.hpp>
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -14,6 +17,44 @@
 #include <stdexcept>
 #include <type_traits>
 #include <utility>
+#include <variant>
+
+namespace ZAK::Tests {
+
+/// A coroutine under way on a test's context, and how it ended. To be held until it has, or the context has.
+template <class T>
+class Running {
+ public:
+  Running(boost::asio::io_context& context, boost::asio::awaitable<T> call) {
+    boost::asio::co_spawn(context, std::move(call),
+                          boost::asio::bind_cancellation_slot(cancel.slot(), [this](std::exception_ptr e, auto&&... r) {
+                            error = e;
+                            if (!e) value.emplace(std::forward<decltype(r)>(r)...);
+                          }));
+  }
+  Running(const Running&) = delete;
+  Running& operator=(const Running&) = delete;
+
+  [[nodiscard]] bool done() const { return error || value; }
+  /// What the call yielded; throws what it threw.
+  T result() {
+    if (error) std::rethrow_exception(error);
+    if constexpr (!std::is_void_v<T>) return std::move(value).value();
+  }
+  [[nodiscard]] bool wasCancelled() const {
+    try {
+      if (error) std::rethrow_exception(error);
+    } catch (const boost::system::system_error& failure) {
+      return failure.code() == boost::asio::error::operation_aborted;
+    } catch (...) {
+    }
+    return false;
+  }
+
+  boost::asio::cancellation_signal cancel;
+  std::exception_ptr error;
+  std::optional<std::conditional_t<std::is_void_v<T>, std::monostate, T>> value;
+};
 
 /// An `io_context` for one test, which must have run dry when the test ends.
 class Runner {
@@ -31,34 +72,15 @@ class Runner {
   /// Runs the operation to its end and yields its result or throws what it throws.
   template <class T>
   T run(boost::asio::awaitable<T> operation) {
-    std::exception_ptr failure;
-    if constexpr (std::is_void_v<T>) {
-      start(std::move(operation), {}, [&](std::exception_ptr error) { failure = error; });
-      drain();
-      if (failure) std::rethrow_exception(failure);
-    } else {
-      std::optional<T> result;
-      start(std::move(operation), {}, [&](std::exception_ptr error, T value) {
-        failure = error;
-        if (!error) result.emplace(std::move(value));
-      });
-      drain();
-      if (failure) std::rethrow_exception(failure);
-      if (!result) throw std::logic_error("the operation did not end");
-      return std::move(*result);
-    }
+    Running<T> call(*context_, std::move(operation));
+    drain();
+    return call.result();
   }
 
   /// Starts the operation; it gets on with `poll`, `drain` and `run`.
   template <class T, class Done>
   void start(boost::asio::awaitable<T> operation, boost::asio::cancellation_slot slot, Done done) {
     boost::asio::co_spawn(*context_, std::move(operation), boost::asio::bind_cancellation_slot(slot, std::move(done)));
-  }
-  template <class T>
-  void start(boost::asio::awaitable<T> operation) {
-    boost::asio::co_spawn(*context_, std::move(operation), [](std::exception_ptr error, auto&&...) {
-      if (error) std::rethrow_exception(error);
-    });
   }
 
   /// Runs what is ready, and waits for nothing.
@@ -79,3 +101,5 @@ class Runner {
  private:
   std::unique_ptr<boost::asio::io_context> context_ = std::make_unique<boost::asio::io_context>(1);
 };
+
+}  // namespace ZAK::Tests

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace ZAK::Testing {
+namespace ZAK::Tests {
 
 /// A directory of the test's own, removed with all it holds at the end.
 class TemporaryDirectory {
@@ -44,4 +44,4 @@ inline std::string contentOf(const std::filesystem::path& file) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-}  // namespace ZAK::Testing
+}  // namespace ZAK::Tests

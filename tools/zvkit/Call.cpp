@@ -1,38 +1,23 @@
 #include "Catalogue.hpp"
 #include "Commands.hpp"
 #include "Console.hpp"
+#include "GivenToken.hpp"
+#include "Run.hpp"
 
 #include <zvapikit/core/Context.hpp>
-#include <zvapikit/core/FirebaseAuthentifier.hpp>
 #include <zvapikit/core/Info.hpp>
 #include <zvapikit/core/MobileApiClient.hpp>
+#include <zvapikit/core/ZAKError.hpp>
 #include <zvapikit/keychain/KeychainFactory.hpp>
 
-#include <boost/asio/bind_cancellation_slot.hpp>
-#include <boost/asio/cancellation_signal.hpp>
-#include <boost/asio/co_spawn.hpp>
 #include <boost/asio/io_context.hpp>
-#include <boost/asio/signal_set.hpp>
 #include <nlohmann/json.hpp>
 
 #include <charconv>
+#include <iostream>
 
 namespace zvkit {
 namespace {
-
-/// Signs in with a token from the command line.
-class GivenToken final : public ZAK::FirebaseAuthentifier {
- public:
-  explicit GivenToken(std::string token) : token_(std::move(token)) {}
-
-  boost::asio::awaitable<std::string> idToken() override { return yield(token_); }
-  void signOut() noexcept override {}
-
- private:
-  static boost::asio::awaitable<std::string> yield(std::string token) { co_return token; }
-
-  std::string token_;
-};
 
 ZAK::TransportOptions::ConnectTo parseConnectTo(const std::string& text) {
   const auto colon = text.rfind(':');
@@ -82,7 +67,8 @@ int list() {
   for (const Operation& operation : catalogue()) {
     std::string line = operation.fullName() + "(";
     for (const Argument& argument : operation.arguments) {
-      line += (line.ends_with('(') ? "" : ", ") + argument.name + ": " + argument.type;
+      line +=
+          (line.ends_with('(') ? "" : ", ") + argument.name + (argument.mayBeLeftOut ? "?: " : ": ") + argument.type;
     }
     printResult(line + ")");
   }
@@ -91,8 +77,8 @@ int list() {
 
 int call(const CallOptions& options) {
   keepStandardOutputForResults();
-  const Operation& operation = find(options.operation);
   const nlohmann::json arguments = parseArguments(options.arguments);
+  const Operation& operation = find(options.operation, arguments);
 
   boost::asio::io_context io(1);
   const auto logger = std::make_shared<ConsoleLogger>();
@@ -102,22 +88,18 @@ int call(const CallOptions& options) {
   context.authentifier = firebase;
   const auto client = ZAK::MobileApiClient::create(std::move(context));
 
-  int exitCode = 1;
-  boost::asio::cancellation_signal interrupt;
-  boost::asio::signal_set signals(io, SIGINT, SIGTERM);
-  signals.async_wait([&](boost::system::error_code error, int) {
-    if (!error) interrupt.emit(boost::asio::cancellation_type::terminal);
-  });
-  const auto finished = [&](std::exception_ptr failure, const std::string& result) {
-    signals.cancel();
-    if (failure) std::rethrow_exception(failure);
-    if (!result.empty()) printResult(result);
-    exitCode = 0;
-  };
-  boost::asio::co_spawn(io, operation.call(client, arguments),
-                        boost::asio::bind_cancellation_slot(interrupt.slot(), finished));
-  io.run();
-  return exitCode;
+  ProgressLine progress(stderr, options.verbose);
+  std::string result;
+  try {
+    result = runInterruptibly(io, operation.call(client, arguments, progress.add()));
+  } catch (const ZAK::ZAKError& error) {
+    const bool isUnsigned = error.errorDto() && error.errorDto()->statusCode == 401 && !options.firebaseToken;
+    if (isUnsigned) std::cerr << "No token is stored: give one to sign in with, --firebase-token\n";
+    throw;
+  }
+  progress.finish();
+  if (!result.empty()) printResult(result);
+  return 0;
 }
 
 }  // namespace zvkit

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zvapikit/http/HTTPProgress.hpp>
+
 #include <boost/asio/awaitable.hpp>
 #include <nlohmann/json_fwd.hpp>
 
@@ -25,6 +27,7 @@ struct UsageError : std::runtime_error {
 struct Argument {
   std::string name;
   std::string type;
+  bool mayBeLeftOut = false;
 };
 
 /// One operation of the kit, to be called by name.
@@ -33,8 +36,11 @@ struct Operation {
   std::string name;
   std::vector<Argument> arguments;
   /// Calls it with a JSON object of arguments; yields the result as JSON, empty for an operation without one.
-  /// Throws `UsageError` at once, not when awaited, for arguments that do not fit.
-  std::function<boost::asio::awaitable<std::string>(std::shared_ptr<ZAK::MobileApiClient>, const nlohmann::json&)> call;
+  /// Throws `UsageError` at once, not when awaited, for arguments that are missing or do not fit.
+  /// Long work tells the function, if there is one, how far it is.
+  std::function<boost::asio::awaitable<std::string>(std::shared_ptr<ZAK::MobileApiClient>, const nlohmann::json&,
+                                                    const ZAK::HTTPProgress::Function&)>
+      call;
 
   [[nodiscard]] std::string fullName() const { return group + "." + name; }
 };
@@ -42,7 +48,8 @@ struct Operation {
 /// Every operation of the kit, by group.
 const std::vector<Operation>& catalogue();
 
-/// The operation `GROUP.OPERATION`. Throws `UsageError` when there is none.
-const Operation& find(std::string_view fullName);
+/// The operation `GROUP.OPERATION`; of several with one name, the one that has these arguments. Throws `UsageError`
+/// when there is none, or an argument that it does not have.
+const Operation& find(std::string_view fullName, const nlohmann::json& arguments);
 
 }  // namespace zvkit

@@ -23,8 +23,10 @@ int serve(const EmulatorCommandOptions& options) {
   printResult("");
   printResult("Point a host at it with TransportOptions{.caFile = \"" + emulator->caFile().string() +
               "\", .connectTo = {{\"\", 0, \"127.0.0.1\", " + std::to_string(emulator->port()) + "}}}, or:");
-  printResult("  zvkit call content.post '{\"for\": \"post-bob\"}' --firebase-token firebase-alice --connect-to " +
-              address + " --ca-file " + emulator->caFile().string());
+  printResult(
+      "  zvkit call content.post '{\"for\": \"post-bob\"}' --firebase-token firebase-alice --keychain memory "
+      "--connect-to " +
+      address + " --ca-file " + emulator->caFile().string());
   printResult("");
   printResult("Stop with Ctrl-C.");
 

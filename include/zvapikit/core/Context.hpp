@@ -49,7 +49,8 @@ struct Context {
   std::shared_ptr<Keychain> keychain = nullptr;
   Directories directories = {};
   /// The kit prints the body of each failing answer to `std::cout`. This shows tokens as `<redacted>` there and in the
-  /// log line of a rejected bearer, and keeps the text of a JSON parser that quotes a body to itself.
+  /// log line of a rejected bearer, there also the queries of URLs, which may be signed, and keeps the text of a JSON
+  /// parser that quotes a body to itself.
   bool redactsSecrets = false;
 
   /// For tests: carries the requests instead of the network when set.

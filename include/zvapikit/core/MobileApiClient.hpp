@@ -1,6 +1,8 @@
 #pragma once
 
 #include <zvapikit/core/Client.hpp>
+#include <zvapikit/http/HTTPResponse.hpp>
+#include <zvapikit/platform/Directories.hpp>
 
 #include <memory>
 
@@ -32,6 +34,9 @@ class MobileApiClient final : public Client {
   [[nodiscard]] std::shared_ptr<LoggerDelegate> logger() const override;
   void setLogger(DelegateReference<LoggerDelegate> logger) override;
 
+  /// The context's directories, each with its default where the context named none.
+  [[nodiscard]] const Directories& directories() const noexcept;
+
   /// Forgets the token, in memory and in the keychain. A token exchange that is under way is not cancelled, but what
   /// it brings is dropped. Sends nothing; fails only by cancellation.
   boost::asio::awaitable<void> clear();
@@ -43,6 +48,12 @@ class MobileApiClient final : public Client {
   /// none of the kit's headers, no token, no validators but the default one. It follows at most 5 redirects and reports
   /// to the client's monitor.
   [[nodiscard]] std::shared_ptr<HTTPClient> buildRaw() const;
+
+  /// Sends a request that has a destination through a client as `buildRaw` makes them. Calls for one URL (its query
+  /// aside) and destination share a transfer: whoever comes later waits for it and is told of its progress.
+  /// Otherwise as `HTTPClient::fetch`.
+  /// \throws std::invalid_argument when the request has no destination.
+  boost::asio::awaitable<HTTPResponse> download(HTTPRequest request);
 
  private:
   boost::asio::awaitable<void> send(HTTPRequest request, Route route, DecodeTarget target) override;

@@ -2,6 +2,7 @@
 
 #include <zvapikit/core/Configuration.hpp>
 #include <zvapikit/core/Domain.hpp>
+#include <zvapikit/platform/Directories.hpp>
 
 #include <memory>
 
@@ -12,8 +13,9 @@ class MobileApiClient;
 /// Base of the endpoint groups: cheap objects that hold their client weakly. A group that outlives its client fails
 /// every call with `ZAKError::noClientAvailable` and never revives.
 ///
-/// g++ 12 does not compile a braced list inside a `co_await` expression (`co_await group.deleteComments({"a"}, ...)`):
-/// give the vector a name first.
+/// g++ 12 does not compile a braced list inside a `co_await` expression (`co_await group.deleteComments({"a"}, ...)`),
+/// and destroys a value chosen there by `?:` twice (`co_await group.fetchFof(known ? *known : CursorDto::start())`):
+/// give the list, and the choice, a name first.
 ///
 /// Each operation is an ordinary function that takes its arguments by value and builds its whole request; nothing it
 /// was given needs to outlive the call, and an awaitable that is never awaited does nothing. Whatever fails is thrown
@@ -28,6 +30,8 @@ class MobileApiDomain : public Domain {
   explicit MobileApiDomain(std::shared_ptr<MobileApiClient>&& client) = delete;
 
   [[nodiscard]] const Configuration& configuration() const noexcept { return configuration_; }
+  /// Where the client's files are.
+  [[nodiscard]] const Directories& directories() const noexcept { return directories_; }
   /// \throws ZAKError `noClientAvailable` when the client is gone.
   [[nodiscard]] std::shared_ptr<MobileApiClient> client() const;
 
@@ -36,6 +40,7 @@ class MobileApiDomain : public Domain {
 
  private:
   Configuration configuration_;
+  Directories directories_;
   std::weak_ptr<MobileApiClient> client_;
 };
 

@@ -25,7 +25,8 @@ class HTTPClient : public std::enable_shared_from_this<HTTPClient> {
  public:
   /// A client below `baseURL`; absent means that requests must have absolute URLs. The validators start out with the
   /// default one, which retries transport failures of idempotent requests (while no byte of an answer has come and
-  /// within the request's retries) and otherwise ends the chain with the response's own error.
+  /// within the request's retries; a failure of the file system is none) and otherwise ends the chain with the
+  /// response's own error.
   static std::shared_ptr<HTTPClient> create(std::shared_ptr<Transport> transport, std::optional<URL> baseURL = {},
                                             std::shared_ptr<Clock> clock = Clock::system());
   HTTPClient(Private, std::shared_ptr<Transport> transport, std::optional<URL> baseURL, std::shared_ptr<Clock> clock);

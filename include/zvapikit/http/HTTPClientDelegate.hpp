@@ -45,7 +45,7 @@ class HTTPClientDelegate {
   virtual void isWaitingForConnectivity(const HTTPRequest& request) = 0;
   /// Once an attempt.
   virtual void didCollectMetrics(const HTTPRequest& request, const HTTPMetrics& metrics) = 0;
-  /// Once a call, after its last attempt; not for a cancelled call.
+  /// Once a call, after its last attempt; not for one that was cancelled or ended by an exception.
   virtual void didFinish(const HTTPRequest& request, const HTTPResponse& response) = 0;
 };
 

@@ -27,6 +27,8 @@ class HTTPError : public std::exception {
     invalidAnswer,           ///< what came is no HTTP answer, or its encoding is broken
     answerTooLarge,          ///< the body is longer than `TransportOptions::maximumBodySize`, or the headers are absurd
     tooManyRedirects,        ///< more redirects than the request follows
+    fileSystem,              ///< a file to send could not be read, or one to be downloaded not be written;
+                             ///< `underlyingError()` is a `std::filesystem::filesystem_error`
     emptyResponse,           ///< a record was to be decoded and the answer had no byte
     other                    ///< anything else; see `transportCode()`
   };
@@ -44,7 +46,7 @@ class HTTPError : public std::exception {
   [[nodiscard]] HTTPStatusCode statusCode() const noexcept { return state_->status; }
   /// For people: `HTTP 404 Not Found`, `connection refused`, ...
   [[nodiscard]] const std::string& description() const noexcept { return state_->message; }
-  /// What a validator found, for example an `ErrorDto`; null when there is none.
+  /// What a validator found, for example an `ErrorDto`, or what the file system said; null when there is none.
   [[nodiscard]] const std::shared_ptr<const std::exception>& underlyingError() const noexcept {
     return state_->underlying;
   }

@@ -3,10 +3,12 @@
 #include <zvapikit/http/HTTPBody.hpp>
 #include <zvapikit/http/HTTPHeaders.hpp>
 #include <zvapikit/http/HTTPMethod.hpp>
+#include <zvapikit/http/HTTPProgress.hpp>
 #include <zvapikit/http/URLQueryItem.hpp>
 #include <zvapikit/json/URL.hpp>
 
 #include <chrono>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -41,6 +43,15 @@ class HTTPRequest {
   int maxRetries = 0;
   /// How many redirects are followed (https only); absent means the client's default.
   std::optional<int> maxRedirects;
+  /// Where the body of a 2xx answer goes, in place of memory: a file in a directory that exists. It is written beside
+  /// its destination, hidden, and takes the place of an old file once it is whole and safe on disk, mode 0600; until
+  /// then, and after any failure, cancellation or crash, the old one stays as it was. Its size is not bounded. It is
+  /// written in small pieces on the transport's executor, which therefore waits for the disk. An answer that does not
+  /// say where it ends (neither by a length nor by chunks nor by HTTP/2), or is a part that no Range header asked for,
+  /// is not taken for whole. See also `HTTPResponse::file`. When it cannot be created nothing is sent, and the call
+  /// ends with an `HTTPError` of kind `fileSystem`, as it does when a write fails.
+  std::optional<std::filesystem::path> destination;
+  HTTPProgress progress;
 
   /// Appends to the query, behind what the URI itself may hold. Names and values are percent-encoded when sent.
   void add(URLQueryItem queryItem);

@@ -5,6 +5,7 @@
 #include <zvapikit/http/HTTPMetrics.hpp>
 #include <zvapikit/http/HTTPStatusCode.hpp>
 
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -15,8 +16,11 @@ struct HTTPResponse {
   /// 0 when no answer came.
   HTTPStatusCode statusCode;
   HTTPHeaders headers;
-  /// The body, decompressed; empty when there was none.
+  /// The body, decompressed; empty when there was none, or when it went to a file.
   std::string body;
+  /// The request's destination, now holding the whole body. Absent when the request named none, the answer's status is
+  /// not 2xx, or the answer has no content to keep (status 204 or 205, or the answer to a HEAD).
+  std::optional<std::filesystem::path> file{};
   /// Present when no whole answer came, its status is outside 2xx, or a validator refused it.
   std::optional<HTTPError> error;
   /// Of the last attempt.

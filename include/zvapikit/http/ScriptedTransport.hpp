@@ -42,7 +42,8 @@ class ScriptedAnswer {
   TransferResult result;
 };
 
-/// A transport for tests: answers requests from a script, without a network, and records them.
+/// A transport for tests: answers requests from a script, without a network, and records them. It fills a request's
+/// destination and tells of progress, of each body in one.
 ///
 ///     auto transport = std::make_shared<ScriptedTransport>();
 ///     transport->add(ScriptedAnswer(200, R"({"id":"p1"})"));
@@ -71,8 +72,6 @@ class ScriptedTransport final : public Transport {
 
   /// All requests so far, as sent.
   [[nodiscard]] std::vector<TransferRequest> requests() const;
-  /// How many answers nobody asked for yet.
-  [[nodiscard]] std::size_t remainingAnswers() const;
 
  private:
   struct State;

@@ -3,12 +3,14 @@
 #include <zvapikit/http/HTTPBody.hpp>
 #include <zvapikit/http/HTTPHeaders.hpp>
 #include <zvapikit/http/HTTPMethod.hpp>
+#include <zvapikit/http/HTTPProgress.hpp>
 #include <zvapikit/http/HTTPResponse.hpp>
 #include <zvapikit/json/URL.hpp>
 
 #include <boost/asio/awaitable.hpp>
 
 #include <chrono>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -27,6 +29,16 @@ struct TransferRequest {
   /// Longest time without progress; absent means the transport's default.
   std::optional<std::chrono::milliseconds> timeout;
   int maxRedirects = 0;
+  /// As in `HTTPRequest`.
+  std::optional<std::filesystem::path> destination{};
+  /// As in `HTTPProgress`, for this attempt.
+  HTTPProgress progress;
+
+  /// True when the body of an answer with that status goes to the destination.
+  [[nodiscard]] bool yieldsFile(HTTPStatusCode status) const noexcept {
+    const bool isEmpty = method == HTTPMethod::head || status.code() == 204 || status.code() == 205;
+    return destination && status.isSuccess() && !isEmpty;
+  }
 };
 
 /// How one attempt ended.
@@ -50,7 +62,7 @@ class Transport {
 
   /// Resumes on the caller's executor. Failures of the transfer are in the result; what is thrown is
   /// `boost::system::system_error` with `operation_aborted` after a cancellation of any type, which ends the transfer
-  /// at once. The awaitable keeps the transport alive.
+  /// at once, or what a function of the request's progress throws. The awaitable keeps the transport alive.
   virtual boost::asio::awaitable<TransferResult> perform(TransferRequest request) = 0;
 };
 

@@ -29,6 +29,7 @@ struct TransportOptions {
   std::optional<std::string> proxy{};
   /// The first entry that fits is used.
   std::vector<ConnectTo> connectTo{};
+  /// Calls share connections: one that joins an attempt which then fails may wait twice as long.
   std::chrono::milliseconds connectTimeout = std::chrono::seconds(15);
   /// Longest time without progress, unless a request says otherwise.
   std::chrono::milliseconds stallTimeout = std::chrono::seconds(60);

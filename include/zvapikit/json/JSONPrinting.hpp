@@ -8,7 +8,8 @@ namespace ZAK {
 enum class JSONPrinting {
   /// Everything as it stands; the text of a parse error quotes what was last read.
   whole,
-  /// The values of keys that carry tokens show as `<redacted>`, and a parse error quotes nothing.
+  /// The values of keys that carry tokens and the queries of URLs, which may be signed, show as `<redacted>`, and a
+  /// parse error quotes nothing.
   redacted
 };
 

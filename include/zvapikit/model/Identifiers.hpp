@@ -24,4 +24,13 @@ struct UserId {
   auto operator<=>(const UserId&) const = default;
 };
 
+/// The name under which a user is found, not their identifier.
+struct Username {
+  explicit Username(std::string value_) : value(std::move(value_)) {}
+
+  std::string value;
+
+  auto operator<=>(const Username&) const = default;
+};
+
 }  // namespace ZAK

@@ -21,10 +21,13 @@ struct DirectoryEnvironment {
   [[nodiscard]] std::filesystem::path dataHome() const;
 };
 
-/// Where the kit keeps files. An empty path stands for the default.
+/// Where the kit keeps files. An empty path stands for the default. They are made when they are needed.
 struct Directories {
-  std::filesystem::path documents{};  ///< default: `$XDG_DATA_HOME/<bundle identifier>/Documents`
-  std::filesystem::path temporary{};  ///< default: a directory of the user's own below `$TMPDIR`, else `/tmp`
+  /// Default: `$XDG_DATA_HOME/<bundle identifier>/Documents`.
+  std::filesystem::path documents{};
+  /// Default: a directory below `$TMPDIR`, else `/tmp`. It must be the user's own, and is closed to all others as
+  /// `createPrivate` does; so not `/tmp` itself.
+  std::filesystem::path temporary{};
 
   /// The same with every empty path replaced by its default. Creates nothing.
   [[nodiscard]] Directories resolved(const BundleInfo& bundle,
@@ -32,7 +35,7 @@ struct Directories {
 
   /// Makes sure that `directory` is there and is the user's alone: creates it and its missing parents with mode 0700,
   /// or takes group and others off it. Parents that exist stay as they are. Throws `std::filesystem::filesystem_error`
-  /// when that cannot be, above all when `directory` is a link or belongs to someone else.
+  /// when that cannot be, above all when `directory` is a link, belongs to someone else, or is one for all as /tmp is.
   static void createPrivate(const std::filesystem::path& directory);
 };
 

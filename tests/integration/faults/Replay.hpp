@@ -1,17 +1,18 @@
 #pragma once
 
 #include "integration/kit/Kit.hpp"
-#include "support/FaultServer.hpp"
+#include "integration/support/FaultServer.hpp"
 
 #include <zvapikit/http/HTTPError.hpp>
 
+#include <atomic>
 #include <chrono>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
 
-namespace ZAK::Test {
+namespace ZAK::Tests {
 
 /// What goes wrong between a client and a server, and when.
 struct NetworkFault {
@@ -42,9 +43,6 @@ struct Replayed {
   /// How often the server met the exchange with the fault.
   int met = 0;
 };
-
-/// The authority that the servers have their certificates from.
-[[nodiscard]] const test::TestAuthority& authority();
 
 /// One exchange of an app, to be made again and again with a server that does to it what the fault says.
 ///
@@ -82,7 +80,7 @@ class Replay {
 
   [[nodiscard]] Context context();
   [[nodiscard]] awaitable<void> call();
-  void serve(test::FaultServer::Connection& connection);
+  void serve(FaultServer::Connection& connection);
   void expectNoTrace(const Replayed& replayed, int elsewhere);
 
   const Exchange exchange_;
@@ -90,9 +88,9 @@ class Replay {
   std::shared_ptr<Replayed> replayed_ = std::make_shared<Replayed>();
   std::mutex mutex_;
   NetworkFault fault_;
-  int met_ = 0;
-  test::FaultServer faulty_;
-  test::FaultServer healthy_;
+  std::atomic<int> met_ = 0;
+  FaultServer faulty_;
+  FaultServer healthy_;
   Kit kit_{{.redactsSecrets = true}};
   std::shared_ptr<TokenFailures> logger_;
 };
@@ -106,4 +104,4 @@ enum class Framing { length, chunks, connection };
 /// An answer of 200, after which the connection is not used again.
 [[nodiscard]] std::string answered(const std::string& body, Framing framing = Framing::length);
 
-}  // namespace ZAK::Test
+}  // namespace ZAK::Tests

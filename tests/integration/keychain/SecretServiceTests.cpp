@@ -1,6 +1,7 @@
 #include "Session.hpp"
 #include "keychain/SecretServiceKeychain.hpp"
 #include "keychain/SelectedKeychain.hpp"
+#include "support/EnvironmentVariable.hpp"
 #include "support/KeychainFailure.hpp"
 #include "support/TemporaryDirectory.hpp"
 
@@ -8,7 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <functional>
 #include <thread>
 #include <vector>
@@ -17,9 +17,9 @@ namespace ZAK {
 namespace {
 
 using namespace std::chrono_literals;
-using Testing::failureOf;
-using Testing::KeyringDaemon;
-using Testing::UnhelpfulService;
+using Tests::failureOf;
+using Tests::KeyringDaemon;
+using Tests::UnhelpfulService;
 using Clock = std::chrono::steady_clock;
 
 const KeychainSettings settings{.service = "com.example.service", .accessGroup = "group.Example"};
@@ -30,19 +30,6 @@ std::chrono::milliseconds timeOf(Operation operation) {
   operation();
   return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
 }
-
-/// Sets a variable for the life of the object.
-class Environment {
- public:
-  Environment(const char* name, const char* value) : name_(name), before_(g_getenv(name)) { ::setenv(name, value, 1); }
-  Environment(const Environment&) = delete;
-  Environment& operator=(const Environment&) = delete;
-  ~Environment() { ::setenv(name_, before_.c_str(), 1); }
-
- private:
-  const char* name_;
-  std::string before_;
-};
 
 /// The three operations, each to fail in the same way.
 struct Operation {
@@ -55,9 +42,17 @@ const Operation operations[] = {
     {"removal", [](Keychain& keychain) { keychain.remove("key"); }},
 };
 
+/// Each operation fails with that, within the time.
+void expectAllFail(Keychain& keychain, KeychainStatus status, std::chrono::milliseconds within = 2s) {
+  for (const Operation& operation : operations) {
+    const auto time = timeOf([&] { EXPECT_EQ(failureOf([&] { operation.run(keychain); }), status) << operation.name; });
+    EXPECT_LT(time, within) << operation.name;
+  }
+}
+
 class SecretServiceTest : public testing::Test {
  protected:
-  Testing::TemporaryDirectory home_;
+  Tests::TemporaryDirectory home_;
 };
 
 TEST_F(SecretServiceTest, keepsItemsApartAndBeyondTheDaemonsLife) {
@@ -106,9 +101,7 @@ TEST_F(SecretServiceTest, aLockedItemIsNotAnAbsentOne) {
     KeyringDaemon daemon(home_.path());
     keychain.set("old", "key");
     daemon.lock();
-    for (const Operation& operation : operations) {
-      EXPECT_EQ(failureOf([&] { operation.run(keychain); }), KeychainStatus::interactionNotAllowed) << operation.name;
-    }
+    expectAllFail(keychain, KeychainStatus::interactionNotAllowed);
     EXPECT_EQ(keychain.data("other key"), std::nullopt);
   }
   const KeyringDaemon daemon(home_.path());
@@ -124,22 +117,12 @@ TEST_F(SecretServiceTest, withoutADefaultKeyringNothingIsFoundAndNothingCanBeSto
 }
 
 TEST_F(SecretServiceTest, withoutServiceOrBusItFailsAtOnce) {
-  struct Case {
-    const char* name;
-    const char* address;
-  };
   const std::string session = g_getenv("DBUS_SESSION_BUS_ADDRESS");
-  const Case cases[] = {
-      {"no service", session.c_str()}, {"no bus", "unix:path=/nowhere/bus"}, {"nonsense for a bus", "nonsense"}};
-  for (const Case& c : cases) {
-    const Environment environment("DBUS_SESSION_BUS_ADDRESS", c.address);
+  for (const char* address : {session.c_str(), "unix:path=/nowhere/bus", "nonsense"}) {
+    SCOPED_TRACE(address);
+    const Tests::EnvironmentVariable environment("DBUS_SESSION_BUS_ADDRESS", address);
     SecretServiceKeychain keychain(settings);
-    for (const Operation& operation : operations) {
-      const auto time =
-          timeOf([&] { EXPECT_EQ(failureOf([&] { operation.run(keychain); }), KeychainStatus::notAvailable); });
-      EXPECT_LT(time, 2s) << c.name << ", " << operation.name;
-    }
-    EXPECT_EQ(failureOf([&] { keychain.set("x", "key"); }), KeychainStatus::notAvailable);
+    expectAllFail(keychain, KeychainStatus::notAvailable);
   }
 }
 
@@ -148,24 +131,22 @@ TEST_F(SecretServiceTest, concurrentCallersSeeWholeItems) {
   SecretServiceKeychain keychain(settings);
   const std::string first(5000, 'a');
   const std::string second(70, 'b');
-  std::atomic<int> wrong = 0;
   const auto caller = [&](const std::string& own) {
     for (int i = 0; i < 15; ++i) {
-      if (const auto failure = failureOf([&] {
-            keychain.set(own, "key");
-            const auto data = keychain.data("key");
-            if (data && data != first && data != second) ++wrong;
-            keychain.remove("key");
-          })) {
-        ++wrong;
-        ADD_FAILURE() << message(*failure);
-      }
+      const auto failure = failureOf([&] {
+        keychain.set(own, "key");
+        const std::string data = keychain.data("key").value_or(own);
+        EXPECT_TRUE(data == first || data == second) << data.size();
+        keychain.remove("key");
+      });
+      // Once in a while the daemon itself fails an assertion when two callers are at it, and is gone.
+      EXPECT_TRUE(!failure || (failure == KeychainStatus::notAvailable && !daemon.isThere())) << message(*failure);
     }
   };
   std::thread other(caller, second);
   caller(first);
   other.join();
-  EXPECT_EQ(wrong, 0);
+  if (!daemon.isThere()) GTEST_SKIP() << "the daemon has crashed";
 }
 
 TEST_F(SecretServiceTest, aSilentServiceCostsOnePauseAMinute) {
@@ -182,11 +163,7 @@ TEST_F(SecretServiceTest, aSilentServiceCostsOnePauseAMinute) {
   EXPECT_GT(asked, 0U) << "the service was there and was asked";
 
   now += 59s;
-  for (const Operation& operation : operations) {
-    const auto time =
-        timeOf([&] { EXPECT_EQ(failureOf([&] { operation.run(keychain); }), KeychainStatus::notAvailable); });
-    EXPECT_LT(time, 1s) << operation.name;
-  }
+  expectAllFail(keychain, KeychainStatus::notAvailable, 1s);
   EXPECT_EQ(service.calls("SearchItems"), asked);
   now += 2s;
   read();
@@ -216,9 +193,7 @@ class PromptTest : public testing::Test {
 TEST_F(PromptTest, anUnansweredPromptIsAskedOnceAndItsAnswerCounts) {
   expectUnanswered(operations[0]);
   now_ += 10min;
-  for (const Operation& operation : operations) {
-    EXPECT_LT(timeOf([&] { expectUnanswered(operation); }), 200ms) << operation.name;
-  }
+  expectAllFail(keychain_, KeychainStatus::interactionNotAllowed, 200ms);
   EXPECT_EQ(service_->calls("Prompt"), 1U) << "a prompt on the screen is enough";
   EXPECT_EQ(service_->calls("Dismiss"), 0U) << "the user may be typing";
 
@@ -285,44 +260,42 @@ TEST_F(PromptTest, nobodyWaitsForTheCallLeftBehind) {
   service_->endPrompt();  // the thread ends without its keychain
 }
 
-TEST_F(SecretServiceTest, whereItemsAreStaysWhereTheyWerePutFirst) {
-  const auto directory = home_.path() / "items";
-  // A handle of its own for each line, as another process would have.
-  const auto keychain = [&](std::chrono::milliseconds bound = 5s) {
+class SelectionTest : public SecretServiceTest {
+ protected:
+  /// A handle of its own for each use, as another process would have.
+  std::unique_ptr<Keychain> keychain(std::chrono::milliseconds bound = 300ms) const {
     return std::make_unique<SelectedKeychain>(
-        settings, directory, std::make_shared<SecretServiceKeychain>(settings, SecretServiceLimits{.call = bound}));
-  };
+        settings, directory_, std::make_shared<SecretServiceKeychain>(settings, SecretServiceLimits{.call = bound}));
+  }
+  std::filesystem::path directory_ = home_.path() / "items";
+};
+
+TEST_F(SelectionTest, whereItemsAreStaysWhereTheyWerePutFirst) {
   {
     const KeyringDaemon daemon(home_.path());
-    keychain()->set("secret", "key");
-    EXPECT_EQ(keychain()->data("key"), "secret");
+    keychain(5s)->set("secret", "key");
+    EXPECT_EQ(keychain(5s)->data("key"), "secret");
     EXPECT_EQ(SecretServiceKeychain(settings).data("key"), "secret");
   }
-  FileKeychain(settings, directory).set("from another time", "key");
-  for (const Operation& operation : operations) {
-    EXPECT_EQ(failureOf([&] { operation.run(*keychain()); }), KeychainStatus::notAvailable) << operation.name;
-  }
+  FileKeychain(settings, directory_).set("from another time", "key");
+  expectAllFail(*keychain(), KeychainStatus::notAvailable);
   {
     const UnhelpfulService service(UnhelpfulService::Behaviour::silent);
-    EXPECT_EQ(failureOf([&] { static_cast<void>(keychain(100ms)->data("key")); }), KeychainStatus::notAvailable);
+    expectAllFail(*keychain(), KeychainStatus::notAvailable);
   }
   const KeyringDaemon daemon(home_.path());
-  EXPECT_EQ(keychain()->data("key"), "secret");
+  EXPECT_EQ(keychain(5s)->data("key"), "secret");
 }
 
-TEST_F(SecretServiceTest, filesServeWhereNoServiceAnswersAndGoOnServing) {
+TEST_F(SelectionTest, filesServeWhereNoServiceAnswersAndGoOnServing) {
   for (const bool silent : {false, true}) {
-    const auto directory = home_.path() / (silent ? "beside a silent one" : "alone");
-    const auto open = [&] {
-      return std::make_unique<SelectedKeychain>(
-          settings, directory, std::make_shared<SecretServiceKeychain>(settings, SecretServiceLimits{.call = 300ms}));
-    };
+    directory_ = home_.path() / (silent ? "beside a silent one" : "alone");
     {
       const auto service = silent ? std::make_unique<UnhelpfulService>(UnhelpfulService::Behaviour::silent) : nullptr;
-      open()->set("in a file", "key");
+      keychain()->set("in a file", "key");
     }
     const KeyringDaemon daemon(home_.path());
-    EXPECT_EQ(open()->data("key"), "in a file");
+    EXPECT_EQ(keychain(5s)->data("key"), "in a file");
     EXPECT_EQ(SecretServiceKeychain(settings).data("key"), std::nullopt);
   }
 }

@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <thread>
 
-namespace ZAK::Testing {
+namespace ZAK::Tests {
 namespace {
 
 constexpr const char* name = "org.freedesktop.secrets";
@@ -42,9 +42,9 @@ Variant callBus(GDBusConnection* bus, const char* method, GVariant* arguments) {
 }
 
 bool isOwned(GDBusConnection* bus) {
-  gboolean owned = FALSE;
-  g_variant_get(callBus(bus, "NameHasOwner", g_variant_new("(s)", name)).get(), "(b)", &owned);
-  return owned != FALSE;
+  gboolean is = FALSE;
+  g_variant_get(callBus(bus, "NameHasOwner", g_variant_new("(s)", name)).get(), "(b)", &is);
+  return is != FALSE;
 }
 
 void waitUntil(GDBusConnection* bus, bool owned) {
@@ -55,8 +55,7 @@ void waitUntil(GDBusConnection* bus, bool owned) {
   }
 }
 
-}  // namespace
-
+/// A connection of the test's own.
 Reference<GDBusConnection> connectToSession() {
   GError* error = nullptr;
   char* address = g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, nullptr, &error);
@@ -70,6 +69,8 @@ Reference<GDBusConnection> connectToSession() {
   check(error);
   return bus;
 }
+
+}  // namespace
 
 KeyringDaemon::KeyringDaemon(const std::filesystem::path& home, Login login) : bus_(connectToSession()) {
   const Reference<GSubprocessLauncher> launcher(g_subprocess_launcher_new(static_cast<GSubprocessFlags>(
@@ -92,6 +93,8 @@ KeyringDaemon::~KeyringDaemon() {
   waitUntil(bus_.get(), false);
   g_dbus_connection_close_sync(bus_.get(), nullptr, nullptr);
 }
+
+bool KeyringDaemon::isThere() const { return isOwned(bus_.get()); }
 
 void KeyringDaemon::lock() {
   const char* collections[] = {"/org/freedesktop/secrets/collection/login"};
@@ -172,4 +175,4 @@ GVariant* UnhelpfulService::answer(const std::string& method, GDBusMessage* mess
   return nullptr;
 }
 
-}  // namespace ZAK::Testing
+}  // namespace ZAK::Tests

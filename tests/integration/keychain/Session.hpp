@@ -6,16 +6,13 @@
 #include <set>
 #include <string>
 
-namespace ZAK::Testing {
+namespace ZAK::Tests {
 
 struct Unref {
   void operator()(gpointer object) const { g_object_unref(object); }
 };
 template <class T>
 using Reference = std::unique_ptr<T, Unref>;
-
-/// A connection of the test's own to the session bus.
-Reference<GDBusConnection> connectToSession();
 
 /// A GNOME Keyring on the session bus, as long as the object lives. Its keyrings stay in the directory `home`.
 class KeyringDaemon {
@@ -28,6 +25,8 @@ class KeyringDaemon {
   ~KeyringDaemon();
 
   void lock();
+  /// False once the process has ended.
+  [[nodiscard]] bool isThere() const;
 
  private:
   Reference<GDBusConnection> bus_;
@@ -63,4 +62,4 @@ class UnhelpfulService {
   std::multiset<std::string> calls_;
 };
 
-}  // namespace ZAK::Testing
+}  // namespace ZAK::Tests

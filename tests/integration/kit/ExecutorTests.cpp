@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-namespace ZAK::Test {
+namespace ZAK::Tests {
 namespace {
 
 using testing::ElementsAre;
@@ -138,4 +138,4 @@ TEST(KitMonitor, IsToldOfBothServersInOrder) {
 }
 
 }  // namespace
-}  // namespace ZAK::Test
+}  // namespace ZAK::Tests

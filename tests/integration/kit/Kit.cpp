@@ -7,7 +7,7 @@
 #include <boost/system/system_error.hpp>
 #include <nlohmann/json.hpp>
 
-namespace ZAK::Test {
+namespace ZAK::Tests {
 
 namespace {
 
@@ -98,9 +98,9 @@ Texts RecordingMonitor::take() {
   return std::exchange(events_, {});
 }
 
-awaitable<std::string> Firebase::token(bool fails) {
+awaitable<std::string> Firebase::token(std::string user, bool fails) {
   if (fails) throw std::runtime_error("signed out of Firebase");
-  co_return "firebase-alice";
+  co_return "firebase-" + user;
 }
 
 void Firebase::signOut() noexcept {
@@ -126,6 +126,7 @@ Context Kit::context() {
                  .bundle = {"MyApp", "2.3.1", "com.example.app", "457"},
                  .transport = emulator->transportOptions(),
                  .keychain = keychain,
+                 .directories = {files.path() / "documents", files.path() / "temporary"},
                  .redactsSecrets = redactsSecrets_,
                  .clock = clock};
 }
@@ -192,4 +193,4 @@ std::string Kit::storedToken() const {
   return stored ? nlohmann::json::parse(*stored).at("access_token").get<std::string>() : std::string();
 }
 
-}  // namespace ZAK::Test
+}  // namespace ZAK::Tests

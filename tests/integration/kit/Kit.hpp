@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/Runner.hpp"
+#include "support/TemporaryDirectory.hpp"
 
 #include <zvapikit/core/Context.hpp>
 #include <zvapikit/core/FirebaseAuthentifier.hpp>
@@ -18,7 +19,7 @@
 #include <string_view>
 #include <vector>
 
-namespace ZAK::Test {
+namespace ZAK::Tests {
 
 using boost::asio::awaitable;
 using Texts = std::vector<std::string>;
@@ -66,19 +67,20 @@ class RecordingMonitor final : public MonitorDelegate {
   Texts events_;
 };
 
-/// Alice's Firebase sign-in.
+/// Alice's Firebase sign-in, unless told otherwise.
 class Firebase final : public FirebaseAuthentifier {
  public:
   explicit Firebase(std::shared_ptr<InMemoryKeychain> keychain) : keychain_(std::move(keychain)) {}
 
-  awaitable<std::string> idToken() override { return token(fails); }
+  awaitable<std::string> idToken() override { return token(user, fails); }
   void signOut() noexcept override;
 
+  std::string user = "alice";
   bool fails = false;
   int signOuts = 0;
 
  private:
-  static awaitable<std::string> token(bool fails);
+  static awaitable<std::string> token(std::string user, bool fails);
 
   std::shared_ptr<InMemoryKeychain> keychain_;
 };
@@ -120,6 +122,7 @@ class Kit {
   /// The token that the keychain holds; empty when there is none.
   [[nodiscard]] std::string storedToken() const;
 
+  TemporaryDirectory files;
   std::shared_ptr<ManualClock> clock;
   EmulatorThread emulator;
   Runner runner;
@@ -137,4 +140,4 @@ class Kit {
   std::size_t seen_ = 0;
 };
 
-}  // namespace ZAK::Test
+}  // namespace ZAK::Tests

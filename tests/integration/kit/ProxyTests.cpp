@@ -11,7 +11,7 @@
 #include <atomic>
 #include <thread>
 
-namespace ZAK::Test {
+namespace ZAK::Tests {
 namespace {
 
 namespace asio = boost::asio;
@@ -89,4 +89,4 @@ TEST(KitProxy, CarriesRequestsThatMustNotBeRepeated) {
 }
 
 }  // namespace
-}  // namespace ZAK::Test
+}  // namespace ZAK::Tests

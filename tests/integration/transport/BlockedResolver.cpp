@@ -6,7 +6,7 @@
 #include <netdb.h>
 #include <string_view>
 
-namespace ZAK::test {
+namespace ZAK::Tests {
 namespace {
 
 struct State {
@@ -22,43 +22,32 @@ State& state() {
   return instance;
 }
 
-void waitForRelease() {
-  auto& current = state();
-  std::unique_lock lock(current.mutex);
-  ++current.blocked;
-  current.changed.wait(lock, [&] { return !current.blocks; });
-  --current.blocked;
-}
-
 }  // namespace
 
-BlockedResolver::BlockedResolver() {
+void blockResolver(bool blocks) {
   const std::lock_guard lock(state().mutex);
-  state().blocks = true;
-}
-
-BlockedResolver::~BlockedResolver() { release(); }
-
-void BlockedResolver::release() {
-  const std::lock_guard lock(state().mutex);
-  state().blocks = false;
+  state().blocks = blocks;
   state().changed.notify_all();
 }
 
-int BlockedResolver::blocked() {
+int blockedLookUps() {
   const std::lock_guard lock(state().mutex);
   return state().blocked;
 }
 
-}  // namespace ZAK::test
+}  // namespace ZAK::Tests
 
 /// Stands before the C library's function of this name for all of the program, libcurl included.
 extern "C" int getaddrinfo(const char* node, const char* service, const addrinfo* hints, addrinfo** result) {
-  using Function = int (*)(const char*, const char*, const addrinfo*, addrinfo**);
-  static const auto original = reinterpret_cast<Function>(::dlsym(RTLD_NEXT, "getaddrinfo"));
+  static const auto original = reinterpret_cast<decltype(&getaddrinfo)>(::dlsym(RTLD_NEXT, "getaddrinfo"));
   const std::string_view name = node != nullptr ? node : "";
   if (name == "blocked.test") {
-    ZAK::test::waitForRelease();
+    auto& current = ZAK::Tests::state();
+    std::unique_lock lock(current.mutex);
+    ++current.blocked;
+    current.changed.wait(lock, [&] { return !current.blocks; });
+    --current.blocked;
+    lock.unlock();
     return original("127.0.0.1", service, hints, result);
   }
   if (name != "two.test") return original(node, service, hints, result);

@@ -1,4 +1,6 @@
 #include "TransportFixture.hpp"
+#include "support/ChildProcess.hpp"
+#include "support/TemporaryDirectory.hpp"
 
 #include <zvapikit/http/HTTPClient.hpp>
 #include <zvapikit/http/ManualClock.hpp>
@@ -10,71 +12,50 @@
 #include <fstream>
 #include <map>
 #include <set>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <thread>
-#include <unistd.h>
-#include <utility>
 #include <vector>
 
-namespace ZAK::test {
+namespace ZAK::Tests {
 namespace {
 
 namespace fs = std::filesystem;
 
-/// A port that nothing listens on now.
-int freePort() {
-  const TestAuthority authority;
-  const FaultServer server(authority.issue(), [](FaultServer::Connection&) {});
-  return server.port();
-}
-
-/// nginx, which answers with the serial number of the connection and allows 128 streams on each. After so many requests
-/// on a connection it ends that by GOAWAY.
+/// nginx, which answers with the serial number of the connection and allows 128 streams on each; below `/files/` it
+/// keeps what is put there. After so many requests on a connection it ends that by GOAWAY.
 class Nginx {
  public:
-  Nginx(const TestAuthority& authority, int requestsPerConnection) {
-    fs::create_directories(folder_);
-    authority.issue().write(folder_ / "server.pem");
-    std::ofstream(folder_ / "nginx.conf")
-        << "daemon off; master_process off; pid " << folder_.string() << "/pid; error_log /dev/null;\n"
-        << "events { worker_connections 512; }\n"
-        << "http { log_format line '$request_method $request_uri'; access_log " << folder_.string() << "/log line;\n"
-        << "  keepalive_requests " << requestsPerConnection << "; client_body_temp_path " << folder_.string() << "/a;\n"
-        << "  proxy_temp_path " << folder_.string() << "/b; fastcgi_temp_path " << folder_.string() << "/c;\n"
-        << "  uwsgi_temp_path " << folder_.string() << "/d; scgi_temp_path " << folder_.string() << "/e;\n"
-        << "  server { listen 127.0.0.1:" << port_ << " ssl http2; http2_max_concurrent_streams 128;\n"
-        << "    ssl_certificate " << folder_.string() << "/server.pem;\n"
-        << "    ssl_certificate_key " << folder_.string() << "/server.pem;\n"
-        << "    location / { return 200 $connection; } } }\n";
-    const std::string configuration = (folder_ / "nginx.conf").string();
-    const char* const arguments[] = {"nginx", "-c", configuration.c_str(), "-e", "stderr", nullptr};
-    // Were it to inherit the output, whoever reads that would wait for it too.
-    posix_spawn_file_actions_t actions;
-    ::posix_spawn_file_actions_init(&actions);
-    ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    ::posix_spawn(&process_, path, &actions, nullptr, const_cast<char* const*>(arguments), environ);
-    ::posix_spawn_file_actions_destroy(&actions);
+  explicit Nginx(int requestsPerConnection) {
+    authority().issue().write(folder_.path() / "server.pem");
+    const auto configuration = folder_.write("nginx.conf", R"(
+        daemon off; master_process off; pid pid; error_log /dev/null;
+        events { worker_connections 512; }
+        http {
+          log_format line '$request_method $request_uri'; access_log log line; client_body_temp_path a;
+          proxy_temp_path b; fastcgi_temp_path c; uwsgi_temp_path d; scgi_temp_path e;
+          keepalive_requests )" + std::to_string(requestsPerConnection) +
+                                                               R"(;
+          server {
+            listen 127.0.0.1:)" + std::to_string(port_) + R"( ssl http2; http2_max_concurrent_streams 128;
+            ssl_certificate server.pem; ssl_certificate_key server.pem;
+            location /files/ { root .; dav_methods PUT; create_full_put_path on; client_max_body_size 0; }
+            location / { return 200 $connection; }
+          }
+        })");
+    process_.emplace([&] {
+      // Were it to inherit the output, whoever reads that would wait for it too.
+      const int nowhere = ::open("/dev/null", O_WRONLY);
+      for (const int output : {STDOUT_FILENO, STDERR_FILENO}) ::dup2(nowhere, output);
+      return ::execl(path, "nginx", "-c", configuration.c_str(), "-p", folder_.path().c_str(), "-e", "stderr", nullptr);
+    });
   }
-  ~Nginx() {
-    stop();
-    fs::remove_all(folder_);
-  }
-  Nginx(const Nginx&) = delete;
-  Nginx& operator=(const Nginx&) = delete;
 
   [[nodiscard]] std::string url() const { return "https://127.0.0.1:" + std::to_string(port_) + '/'; }
 
   /// Ends the server; yields method and path of each request that it served.
   std::multiset<std::string> stop() {
-    if (process_ > 0) {
-      ::kill(process_, SIGTERM);
-      ::waitpid(std::exchange(process_, 0), nullptr, 0);
-    }
+    process_->stop();
     std::multiset<std::string> lines;
-    std::ifstream log(folder_ / "log");
+    std::ifstream log(folder_.path() / "log");
     for (std::string line; std::getline(log, line);) lines.insert(line);
     return lines;
   }
@@ -82,9 +63,9 @@ class Nginx {
   static constexpr const char* path = "/usr/sbin/nginx";
 
  private:
-  fs::path folder_ = fs::temp_directory_path() / ("zvapikit-nginx-" + std::to_string(::getpid()));
-  int port_ = freePort();
-  pid_t process_ = 0;
+  TemporaryDirectory folder_;
+  int port_ = FaultServer([](FaultServer::Connection&) {}).port();  ///< which nothing listens on any more
+  std::optional<ChildProcess> process_;
 };
 
 /// How calls ended, by method and URL.
@@ -108,7 +89,7 @@ class HTTP2Test : public TransportFixture {
   }
 
   void serve(int requestsPerConnection) {
-    nginx_.emplace(authority(), requestsPerConnection);
+    nginx_.emplace(requestsPerConnection);
     for (int i = 0; i < 500 && perform(get(nginx_->url())).response.error; ++i) {
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
@@ -117,13 +98,14 @@ class HTTP2Test : public TransportFixture {
   /// Makes that many calls at once on a new transport; yields the serial numbers of the connections used.
   std::set<std::string> connectionsOf(int calls) {
     const auto shared = transport();
-    std::vector<std::shared_ptr<Outcome>> outcomes;
-    for (int i = 0; i < calls; ++i) outcomes.push_back(start(shared->perform(get(nginx_->url()))));
-    EXPECT_TRUE(runDry());
+    std::vector<Call> started;
+    for (int i = 0; i < calls; ++i) started.push_back(start(shared->perform(get(nginx_->url()))));
+    runner.drain();
     std::set<std::string> connections;
-    for (const auto& outcome : outcomes) {
-      EXPECT_EQ(outcome->result->response.metrics.protocol, "HTTP/2");
-      connections.insert(outcome->result->response.body);
+    for (const Call& call : started) {
+      const auto response = call->result().response;
+      EXPECT_EQ(response.metrics.protocol, "HTTP/2");
+      connections.insert(told(response));
     }
     return connections;
   }
@@ -149,9 +131,9 @@ TEST_F(HTTP2Test, connectionsThatTheServerEndsUnderLoadLoseNoCallAndRepeatNoPost
       for (int i = 0; i < callsEach; ++i) {
         urls.push_back(nginx_->url() + std::string(rawValue(method)) + std::to_string(worker * callsEach + i));
       }
-      boost::asio::co_spawn(*io, callInTurn(client, method, urls, ended), boost::asio::detached);
+      boost::asio::co_spawn(runner.context(), callInTurn(client, method, urls, ended), boost::asio::detached);
     }
-    ASSERT_TRUE(runDry());
+    runner.drain();
   }
   ASSERT_EQ(ended->size(), 3U * workers * callsEach);
   const auto served = nginx_->stop();
@@ -167,8 +149,8 @@ TEST_F(HTTP2Test, connectionsThatTheServerEndsUnderLoadLoseNoCallAndRepeatNoPost
     }
     EXPECT_EQ(method, "POST") << name << " was lost";
     EXPECT_LE(times, 1U) << name << " was repeated";
-    EXPECT_EQ(response.error->kind(), HTTPError::Kind::connectionLost);
-    EXPECT_EQ(response.error->description(), "connection lost");
+    EXPECT_EQ(errorKind(response), HTTPError::Kind::connectionLost);
+    EXPECT_EQ(told(response), "connection lost");
     EXPECT_FALSE(response.hasAnswer());
   }
   for (const char* method : {"GET", "PUT", "POST"}) {
@@ -176,5 +158,34 @@ TEST_F(HTTP2Test, connectionsThatTheServerEndsUnderLoadLoseNoCallAndRepeatNoPost
   }
 }
 
+TEST_F(HTTP2Test, filesTravelBothWaysAndOneThatFailsHarmsNoOther) {
+  serve(1000);
+  const TemporaryDirectory files;
+  const std::string content(5'000'000, 'x');
+  const auto shared = transport();
+  std::vector<Call> calls;
+  for (int i = 0; i < 4; ++i) {
+    const fs::path file = files.write(std::to_string(i), content);
+    auto request = get(nginx_->url() + "files/" + std::to_string(i));
+    request.method = HTTPMethod::put;
+    request.body = HTTPBody::file(file);
+    if (i == 0) {
+      request.progress.sent = [file](std::uint64_t, auto) { fs::resize_file(file, 4'999'999); };
+    }
+    calls.push_back(start(shared->perform(std::move(request))));
+  }
+  runner.drain();
+  for (std::size_t i = 0; i < 4; ++i) {
+    EXPECT_EQ(errorKind(calls[i]->result().response),
+              i == 0 ? std::optional(HTTPError::Kind::fileSystem) : std::nullopt);
+    auto request = get(nginx_->url() + "files/" + std::to_string(i));
+    request.destination = files.path() / "back";
+    const auto back = perform(shared, request).response;
+    EXPECT_EQ(back.metrics.protocol, "HTTP/2");
+    EXPECT_EQ(back.statusCode.code(), i == 0 ? 404 : 200);
+    EXPECT_TRUE(i == 0 || contentOf(files.path() / "back") == content);
+  }
+}
+
 }  // namespace
-}  // namespace ZAK::test
+}  // namespace ZAK::Tests

@@ -2,7 +2,6 @@
 #include "http/Cancellation.hpp"
 #include "support/Runner.hpp"
 
-#include <zvapikit/core/ZAKError.hpp>
 #include <zvapikit/http/ManualClock.hpp>
 #include <zvapikit/http/ScriptedTransport.hpp>
 
@@ -39,12 +38,11 @@ class FakeStorage final : public TokenStorage {
   std::shared_ptr<Stored> stored_;
 };
 
-/// The authentication server: hands out numbered tokens, or fails as it is told to, once it is released.
+/// The authentication server: hands out numbered tokens, or fails, once it is released.
 struct Server {
   std::shared_ptr<ManualClock> clock;
   ScriptedHold hold;
-  std::exception_ptr createFailure;
-  std::exception_ptr refreshFailure;
+  bool fails = false;
   std::vector<std::string> calls;
 
   TokenDto token(const std::string& name) const {
@@ -55,26 +53,20 @@ struct Server {
 class FakeSupplicant final : public TokenSupplicant {
  public:
   explicit FakeSupplicant(std::shared_ptr<Server> server) : server_(std::move(server)) {}
-  awaitable<TokenDto> createToken() override { return answer(server_, "create", server_->createFailure); }
-  awaitable<TokenDto> refreshToken(TokenDto token) override {
-    return answer(server_, "refresh " + token.refreshToken, server_->refreshFailure);
-  }
+  awaitable<TokenDto> createToken() override { return answer(server_, "create"); }
+  awaitable<TokenDto> refreshToken(TokenDto token) override { return answer(server_, "refresh " + token.refreshToken); }
 
  private:
-  static awaitable<TokenDto> answer(std::shared_ptr<Server> server, std::string call, std::exception_ptr failure) {
+  static awaitable<TokenDto> answer(std::shared_ptr<Server> server, std::string call) {
     server->calls.push_back(std::move(call));
+    const std::string name = "t" + std::to_string(server->calls.size());
     co_await server->hold.wait();
-    if (failure) std::rethrow_exception(failure);
-    co_return server->token("t" + std::to_string(server->calls.size()));
+    if (server->fails) throw std::runtime_error("no token");
+    co_return server->token(name);
   }
 
   std::shared_ptr<Server> server_;
 };
-
-std::exception_ptr httpFailure(int status) {
-  const HTTPStatusCode code(status);
-  return std::make_exception_ptr(ZAKError(HTTPError(HTTPError::Kind::status, code, "HTTP " + code.description())));
-}
 
 class TokenManagerTests : public testing::Test {
  protected:
@@ -106,7 +98,7 @@ class TokenManagerTests : public testing::Test {
   std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
   std::shared_ptr<Server> server = std::make_shared<Server>();
   std::shared_ptr<Stored> stored = std::make_shared<Stored>();
-  Runner runner;
+  Tests::Runner runner;
   std::shared_ptr<TokenManager> manager =
       TokenManager::create(runner.executor(), std::make_unique<FakeStorage>(stored),
                            std::make_unique<FakeSupplicant>(server), nullptr, clock);
@@ -129,42 +121,14 @@ TEST_F(TokenManagerTests, RefreshesInTheLastMinuteOnly) {
   EXPECT_EQ(stored->token->accessToken, "t1");
 }
 
-TEST_F(TokenManagerTests, TenThousandCallersShareOneRefresh) {
-  stored->token = tokenFor(59);
-  server->hold = ScriptedHold();
-  for (int i = 0; i < 10'000; ++i) startCall();
-  runner.poll();
-  EXPECT_TRUE(results.empty());
-  server->hold.release();
-  runner.drain();
-  EXPECT_EQ(server->calls.size(), 1u);
-  ASSERT_EQ(results.size(), 10'000u);
-  for (const auto& token : results) ASSERT_EQ(token->accessToken, "t1");
-  EXPECT_EQ(stored->writes, 1);
-}
-
-TEST_F(TokenManagerTests, FallsBackToFirebaseOnlyWhenTheRefreshIsRefused) {
-  struct Case {
-    std::exception_ptr failure;
-    std::vector<std::string> calls;
-  };
-  const std::string refresh = "refresh refresh-old";
-  for (const Case& c :
-       {Case{httpFailure(400), {refresh, "create"}}, Case{httpFailure(401), {refresh, "create"}},
-        Case{httpFailure(499), {refresh, "create"}}, Case{httpFailure(500), {refresh}}, Case{httpFailure(0), {refresh}},
-        Case{std::make_exception_ptr(std::runtime_error("no record")), {refresh}}}) {
-    server->calls.clear();
-    server->refreshFailure = c.failure;
-    runner.run(manager->clear());
-    stored->token = tokenFor(0);  // in storage only
-    const auto token = validToken();
-    EXPECT_EQ(server->calls, c.calls);
-    EXPECT_EQ(token.has_value(), c.calls.size() == 2);
-    EXPECT_EQ(stored->token, token) << "what could not be refreshed must be forgotten, also in storage";
-  }
-  server->calls.clear();
+TEST_F(TokenManagerTests, ForgetsWhatItCouldNotRefresh) {
+  stored->token = tokenFor(0);  // in storage only
+  server->fails = true;
+  EXPECT_FALSE(validToken());
+  EXPECT_FALSE(stored->token);
+  server->fails = false;
   EXPECT_TRUE(validToken());
-  EXPECT_EQ(server->calls, std::vector<std::string>{"create"}) << "after a failure the Firebase grant is next";
+  EXPECT_EQ(server->calls, (std::vector<std::string>{"refresh refresh-old", "create"}));
 }
 
 TEST_F(TokenManagerTests, DropsOnlyTheRejectedTokenThatLookedValid) {
@@ -192,7 +156,7 @@ TEST_F(TokenManagerTests, ClearDropsTheOutcomeOfARunningRefresh) {
   startCall();
   runner.poll();
   ASSERT_EQ(server->calls.size(), 1u);
-  runner.start(manager->clear());
+  runner.start(manager->clear(), {}, [](const std::exception_ptr& failure) { EXPECT_FALSE(failure); });
   runner.poll();
   ASSERT_EQ(results.size(), 1u) << "who waits is told at once";
   EXPECT_FALSE(results[0]);
@@ -202,7 +166,8 @@ TEST_F(TokenManagerTests, ClearDropsTheOutcomeOfARunningRefresh) {
   server->hold.release();
   runner.drain();
   ASSERT_EQ(results.size(), 2u);
-  EXPECT_EQ(results[1]->accessToken, stored->token->accessToken);
+  EXPECT_EQ(results[1]->accessToken, "t2");
+  EXPECT_EQ(stored->token->accessToken, "t2");
   EXPECT_EQ(stored->writes, 2) << "one removal, one new token";
 }
 
@@ -234,28 +199,6 @@ TEST_F(TokenManagerTests, CancellingCallersTouchesNoTokenAndEndsNoRefresh) {
     clock->advance(seconds(3600));
     runner.run(manager->clear());
   }
-}
-
-TEST_F(TokenManagerTests, ARefreshOutlivesItsManagersOwner) {
-  server->hold = ScriptedHold();
-  startCall();
-  runner.poll();
-  manager.reset();
-  server->hold.release();
-  runner.drain();
-  ASSERT_EQ(results.size(), 1u);
-  EXPECT_EQ(stored->token->accessToken, "t1");
-}
-
-TEST_F(TokenManagerTests, TheContextMayEndDuringARefresh) {
-  stored->token = tokenFor(0);
-  server->hold = ScriptedHold();
-  for (int i = 0; i < 3; ++i) startCall();
-  runner.poll();
-  runner.destroyContext();
-  EXPECT_TRUE(results.empty());
-  EXPECT_EQ(stored->token->accessToken, "old");
-  manager.reset();  // later than its context
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
-#include "support/RecordChecks.hpp"
+#include "support/DecodingFailure.hpp"
 #include "support/Samples.hpp"
 
 #include <zvapikit/auth/TokenDto.hpp>
-#include <zvapikit/auth/TokenRequestDto.hpp>
+#include <zvapikit/json/JSONEncoder.hpp>
 
 #include <gtest/gtest.h>
 
@@ -27,7 +27,7 @@ json without(json sample, const char* key) {
 }
 
 TEST(TokenDto, TakesItsExpiryFromTheDateOrElseFromTheSpan) {
-  const json sample = test::sample("TokenDto");
+  const json sample = Tests::sample("TokenDto");
   const json spanned = without(sample, "expires_date");
   const auto expiry = [](const json& body) { return decoder.decode<TokenDto>(body.dump()).expiresDate; };
   const Date date(std::chrono::seconds(1680717600));  // 2023-04-05T18:00:00Z
@@ -42,8 +42,8 @@ TEST(TokenDto, TakesItsExpiryFromTheDateOrElseFromTheSpan) {
 }
 
 TEST(TokenDto, RequiresItsFieldsInItsOwnOrder) {
-  const json sample = test::sample("TokenDto");
-  const DecodingError error = test::decodingError<TokenDto>(without(sample, "expires_date").dump());
+  const json sample = Tests::sample("TokenDto");
+  const DecodingError error = Tests::decodingError<TokenDto>(without(sample, "expires_date").dump());
   EXPECT_EQ(error.kind(), DecodingError::Kind::keyNotFound);
   EXPECT_EQ(error.key(), "expiresIn");
   EXPECT_EQ(error.codingPath(), (std::vector<CodingKey>{"expiresIn", "expiresDate"}));
@@ -51,13 +51,13 @@ TEST(TokenDto, RequiresItsFieldsInItsOwnOrder) {
 
   json body = json::object();
   for (const char* key : {"token_type", "access_token", "refresh_token", "scope"}) {
-    EXPECT_EQ(test::decodingError<TokenDto>(body.dump()).key(), key);
-    EXPECT_EQ(test::decodingError<TokenDto>(with(sample, key, 5).dump()).kind(), DecodingError::Kind::typeMismatch);
-    EXPECT_EQ(test::decodingError<TokenDto>(with(sample, key, nullptr).dump()).codingPath(),
+    EXPECT_EQ(Tests::decodingError<TokenDto>(body.dump()).key(), key);
+    EXPECT_EQ(Tests::decodingError<TokenDto>(with(sample, key, 5).dump()).kind(), DecodingError::Kind::typeMismatch);
+    EXPECT_EQ(Tests::decodingError<TokenDto>(with(sample, key, nullptr).dump()).codingPath(),
               std::vector<CodingKey>{key});
     body[key] = "x";
   }
-  EXPECT_EQ(test::decodingError<TokenDto>(with(sample, "firebase_token", 5).dump()).kind(),
+  EXPECT_EQ(Tests::decodingError<TokenDto>(with(sample, "firebase_token", 5).dump()).kind(),
             DecodingError::Kind::typeMismatch);
 }
 
@@ -68,17 +68,6 @@ TEST(TokenDto, IsWrittenInFullAndReadBackEqual) {
   EXPECT_EQ(stored, R"({"token_type":"Bearer","access_token":"access-1","refresh_token":"refresh-1","scope":"all",)"
                     R"("firebase_token":null,"expires_date":702407352.345678})");
   EXPECT_EQ(JSONDecoder(seconds).decode<TokenDto>(stored), token);
-  EXPECT_EQ(json::parse(JSONEncoder().encode(decoder.decode<TokenDto>(test::sample("TokenDto").dump()))),
-            test::sample("TokenDto"));
-}
-
-TEST(TokenRequestDto, Record) {
-  test::checkRecord<TokenRequestDto>(test::sample("TokenRequestDto"), {"grant_type", "client_id", "client_secret"});
-  EXPECT_EQ(test::decodingError<TokenRequestDto>(with(test::sample("TokenRequestDto"), "grant_type", "refresh").dump())
-                .kind(),
-            DecodingError::Kind::dataCorrupted);
-  EXPECT_EQ(JSONEncoder().encode(TokenRequestDto(TokenRequestDto::GrantType::refresh, "app", "secret", "r", {})),
-            R"({"grant_type":"refresh_token","client_id":"app","client_secret":"secret","refresh_token":"r"})");
 }
 
 }  // namespace

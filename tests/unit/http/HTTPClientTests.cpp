@@ -1,4 +1,4 @@
-#include "Running.hpp"
+#include "support/Runner.hpp"
 
 #include <zvapikit/http/HTTPClient.hpp>
 #include <zvapikit/http/ManualClock.hpp>
@@ -15,6 +15,7 @@ namespace {
 namespace asio = boost::asio;
 using std::chrono::milliseconds;
 using testing::ElementsAre;
+using Tests::Running;
 
 /// Writes down what it is told.
 class Recorder : public HTTPClientDelegate {
@@ -45,33 +46,20 @@ class Recorder : public HTTPClientDelegate {
   }
 };
 
-class FunctionValidator : public HTTPValidator {
- public:
-  using Function = std::function<HTTPValidatorResult(const HTTPResponse&)>;
-  explicit FunctionValidator(Function function) : function_(std::move(function)) {}
-  HTTPValidatorResult validate(const HTTPResponse& response, const HTTPRequest&) override {
-    return function_(response);
-  }
+struct FunctionValidator : HTTPValidator {
+  explicit FunctionValidator(std::function<HTTPValidatorResult(const HTTPResponse&)> decide)
+      : decide_(std::move(decide)) {}
+  HTTPValidatorResult validate(const HTTPResponse& response, const HTTPRequest&) override { return decide_(response); }
 
  private:
-  Function function_;
+  std::function<HTTPValidatorResult(const HTTPResponse&)> decide_;
 };
 
 class HTTPClientTest : public testing::Test {
  protected:
   HTTPClientTest() { client->delegate = recorder; }
-  ~HTTPClientTest() override {
-    context.restart();
-    EXPECT_EQ(context.poll(), 0u) << "work is left on the executor";
-  }
 
-  HTTPResponse fetch(HTTPRequest request) {
-    Running<HTTPResponse> call(context, client->fetch(std::move(request)));
-    context.restart();
-    context.run();
-    if (call.error) std::rethrow_exception(call.error);
-    return call.value.value();
-  }
+  HTTPResponse fetch(HTTPRequest request) { return runner.run(client->fetch(std::move(request))); }
 
   static HTTPRequest request(HTTPMethod method, int maxRetries) {
     HTTPRequest request(method, "/a");
@@ -87,13 +75,7 @@ class HTTPClientTest : public testing::Test {
     }));
   }
 
-  void useManualClock() {
-    clock = std::make_shared<ManualClock>();
-    client = HTTPClient::create(transport, URL::parse("https://h.example/api"), clock);
-    client->delegate = recorder;
-  }
-
-  asio::io_context context;
+  Tests::Runner runner;
   std::shared_ptr<ScriptedTransport> transport = std::make_shared<ScriptedTransport>();
   std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>(ManualClock::autoAdvance);
   std::shared_ptr<HTTPClient> client = HTTPClient::create(transport, URL::parse("https://h.example/api"), clock);
@@ -139,75 +121,34 @@ TEST_F(HTTPClientTest, anUnsendableRequestReachesNobody) {
   EXPECT_TRUE(transport->requests().empty());
 }
 
-TEST_F(HTTPClientTest, retriesAFailedTransferWithGrowingWaits) {
-  for (int i = 0; i < 3; ++i) transport->add(ScriptedAnswer(lost));
-  transport->add(ScriptedAnswer(200));
-  const HTTPResponse response = fetch(request(HTTPMethod::get, 3));
-  EXPECT_FALSE(response.error);
-  EXPECT_EQ(response.metrics.attempt, 4);
-  const std::vector<milliseconds> waits = clock->waits();
-  ASSERT_EQ(waits.size(), 3u);
-  for (std::size_t i = 0; i < waits.size(); ++i) {
-    EXPECT_GE(waits[i], milliseconds(500 << i));
-    EXPECT_LE(waits[i], milliseconds(1000 << i));
-  }
+asio::awaitable<void> sign(std::shared_ptr<HTTPRequest> target, std::string token, std::optional<int> limit) {
+  target->headers.set(HTTPHeaders::Element::bearer(token));
+  if (limit) target->maxRetries = *limit;
+  co_return;
 }
 
-TEST_F(HTTPClientTest, stopsWhereRetryingIsNotAllowed) {
-  struct Case {
-    HTTPMethod method;
-    int maxRetries;
-    bool answerStarted;
-    std::size_t sent;
-  };
-  for (const Case& c : {Case{HTTPMethod::get, 0, false, 1}, Case{HTTPMethod::get, 2, false, 3},
-                        Case{HTTPMethod::post, 2, false, 1}, Case{HTTPMethod::get, 2, true, 1}}) {
-    transport = std::make_shared<ScriptedTransport>();
-    client = HTTPClient::create(transport, URL::parse("https://h.example"), clock);
-    ScriptedAnswer failure(lost);
-    failure.result.answerStarted = c.answerStarted;
-    for (int i = 0; i < 4; ++i) transport->add(failure);
-    EXPECT_EQ(fetch(request(c.method, c.maxRetries)).error.value().kind(), HTTPError::Kind::connectionLost);
-    EXPECT_EQ(transport->requests().size(), c.sent) << rawValue(c.method) << " " << c.maxRetries;
-  }
+HTTPRetryStrategy::Task signer(std::string token, std::optional<int> limit = {}) {
+  return [=](std::shared_ptr<HTTPRequest> target) { return sign(std::move(target), token, limit); };
 }
 
-TEST_F(HTTPClientTest, oneCountServesAllCausesOfRetries) {
-  signAgainOn401({});
+TEST_F(HTTPClientTest, oneCountServesAllCausesOfRetriesAndTheTaskChangesTheRequest) {
+  signAgainOn401(signer("new"));
   transport->add(ScriptedAnswer(lost));
   for (int i = 0; i < 3; ++i) transport->add(ScriptedAnswer(401));
-  EXPECT_EQ(fetch(request(HTTPMethod::get, 2)).error.value().description(), "HTTP 401 Unauthorized");
-  EXPECT_EQ(transport->requests().size(), 3u);
-}
-
-// The task is kept in a named object: a capturing coroutine must not outlive its captures.
-struct Signer {
-  std::string token;
-  std::optional<int> maxRetries;
-
-  asio::awaitable<void> operator()(std::shared_ptr<HTTPRequest> target) const {
-    return sign(std::move(target), token, maxRetries);
-  }
-  static asio::awaitable<void> sign(std::shared_ptr<HTTPRequest> target, std::string token, std::optional<int> limit) {
-    target->headers.set(HTTPHeaders::Element::bearer(token));
-    if (limit) target->maxRetries = *limit;
-    co_return;
-  }
-};
-
-TEST_F(HTTPClientTest, sendsTheRequestAsTheTaskChangedIt) {
-  signAgainOn401(Signer{"new", {}});
-  transport->add(ScriptedAnswer(401));
-  transport->add(ScriptedAnswer(204));
-  HTTPRequest sent = request(HTTPMethod::post, 1);
+  HTTPRequest sent = request(HTTPMethod::put, 2);
   sent.headers.set(HTTPHeaders::Element::bearer("old"));
-  EXPECT_FALSE(fetch(sent).error);
+  const HTTPResponse response = fetch(sent);
+  EXPECT_EQ(response.error.value().description(), "HTTP 401 Unauthorized");
+  EXPECT_EQ(response.metrics.attempt, 3);
   const std::vector<TransferRequest> requests = transport->requests();
-  EXPECT_EQ(requests.at(0).headers.value("Authorization"), "Bearer old");
-  EXPECT_EQ(requests.at(1).headers.value("Authorization"), "Bearer new");
-  EXPECT_THAT(clock->waits(), ElementsAre(milliseconds(100)));
-  EXPECT_THAT(recorder->events, ElementsAre("enqueued POST /a https://h.example/api/a", "metrics 1",
-                                            "retry 1 as Bearer new", "metrics 2", "finished 204 No Content"));
+  ASSERT_EQ(requests.size(), 3u);
+  EXPECT_EQ(requests[1].headers.value("Authorization"), "Bearer old");
+  EXPECT_EQ(requests[2].headers.value("Authorization"), "Bearer new");
+  EXPECT_LE(milliseconds(500), clock->waits().at(0));
+  EXPECT_EQ(clock->waits().at(1), milliseconds(100));
+  EXPECT_THAT(recorder->events,
+              ElementsAre("enqueued PUT /a https://h.example/api/a", "metrics 1", "retry 1 as Bearer old", "metrics 2",
+                          "retry 2 as Bearer new", "metrics 3", "finished HTTP 401 Unauthorized"));
 }
 
 TEST_F(HTTPClientTest, aTaskResetsTheLimitButNotTheCount) {
@@ -215,15 +156,15 @@ TEST_F(HTTPClientTest, aTaskResetsTheLimitButNotTheCount) {
        std::vector<std::tuple<int, int, std::size_t>>{{1, 2, 3}, {5, 2, 3}, {3, 1, 2}, {1, 1, 2}}) {
     transport = std::make_shared<ScriptedTransport>();
     client = HTTPClient::create(transport, URL::parse("https://h.example"), clock);
-    signAgainOn401(Signer{"t", later});
+    signAgainOn401(signer("t", later));
     for (int i = 0; i < 8; ++i) transport->add(ScriptedAnswer(401));
-    EXPECT_EQ(fetch(request(HTTPMethod::get, first)).statusCode.code(), 401);
+    EXPECT_EQ(fetch(request(HTTPMethod::post, first)).statusCode.code(), 401);
     EXPECT_EQ(transport->requests().size(), sent) << first << " then " << later;
   }
 }
 
 TEST_F(HTTPClientTest, aTaskThatMakesTheRequestUnsendableEndsTheCall) {
-  signAgainOn401(Signer{"a\r\nb", {}});
+  signAgainOn401(signer("a\r\nb"));
   transport->add(ScriptedAnswer(401));
   EXPECT_EQ(fetch(request(HTTPMethod::get, 2)).error.value().kind(), HTTPError::Kind::invalidRequest);
   EXPECT_EQ(transport->requests().size(), 1u);
@@ -259,70 +200,42 @@ TEST_F(HTTPClientTest, anObserverThatThrowsChangesNothing) {
   EXPECT_EQ(recorder->events.size(), 6u);
 }
 
-TEST_F(HTTPClientTest, aCallKeepsWhatItNeeds) {
-  const ScriptedHold hold;
-  transport->add(ScriptedAnswer(lost), hold);
-  transport->add(ScriptedAnswer(200));
-  Running<HTTPResponse> call(context, client->fetch(request(HTTPMethod::get, 1)));
-  context.poll();
-  client.reset();
-  recorder.reset();
-  ScriptedHold(hold).release();
-  context.restart();
-  context.run();
-  ASSERT_TRUE(call.value);
-  EXPECT_FALSE(call.value->error);
-}
-
-TEST_F(HTTPClientTest, anAwaitableNeverAwaitedSendsNothing) {
-  { const auto unused = client->fetch(request(HTTPMethod::get, 1)); }
-  EXPECT_TRUE(transport->requests().empty());
-  EXPECT_EQ(client.use_count(), 1);
-}
-
-// Where a call can be when it is cancelled.
-enum class Stage { sending, task, waiting };
-
-class HTTPClientCancellation : public HTTPClientTest,
-                               public testing::WithParamInterface<std::tuple<Stage, asio::cancellation_type>> {};
-
-TEST_P(HTTPClientCancellation, endsTheCallAtOnceAndSilently) {
-  const auto [stage, type] = GetParam();
-  useManualClock();
-  int validated = 0;
-  bool reported = false;
-  const ScriptedHold hold;
-  HTTPRetryStrategy::Task task;
-  if (stage == Stage::task) task = [hold](const std::shared_ptr<HTTPRequest>&) { return hold.wait(); };
-  signAgainOn401(task, [&](const std::exception_ptr&) { reported = true; });
-  client->insertValidatorAtFront(std::make_shared<FunctionValidator>([&](const HTTPResponse&) {
-    ++validated;
-    return HTTPValidatorResult::next();
-  }));
-  if (stage == Stage::sending) {
-    transport->add(ScriptedAnswer(401), hold);
-  } else {
-    transport->add(ScriptedAnswer(401));
+TEST_F(HTTPClientTest, cancellingEndsTheCallAtOnceAndSilently) {
+  using asio::cancellation_type;
+  enum class Stage { sending, task, waiting };
+  for (const Stage stage : {Stage::sending, Stage::task, Stage::waiting}) {
+    for (const auto type : {cancellation_type::terminal, cancellation_type::partial, cancellation_type::total}) {
+      SCOPED_TRACE(std::to_string(int(stage)) + " " + std::to_string(int(type)));
+      clock = std::make_shared<ManualClock>();
+      transport = std::make_shared<ScriptedTransport>();
+      client = HTTPClient::create(transport, URL::parse("https://h.example/api"), clock);
+      client->delegate = recorder;
+      int validated = 0;
+      bool reported = false;
+      const ScriptedHold hold;
+      HTTPRetryStrategy::Task task;
+      if (stage == Stage::task) task = [hold](const std::shared_ptr<HTTPRequest>&) { return hold.wait(); };
+      signAgainOn401(task, [&](const std::exception_ptr&) { reported = true; });
+      client->insertValidatorAtFront(std::make_shared<FunctionValidator>([&](const HTTPResponse&) {
+        ++validated;
+        return HTTPValidatorResult::next();
+      }));
+      stage == Stage::sending ? transport->add(ScriptedAnswer(401), hold) : transport->add(ScriptedAnswer(401));
+      Running<HTTPResponse> call(runner.context(), client->fetch(request(HTTPMethod::get, 2)));
+      runner.poll();
+      ASSERT_FALSE(call.done());
+      ASSERT_EQ(hold.waiting() + clock->pendingWaits(), 1u);
+      call.cancel.emit(type);
+      runner.poll();
+      EXPECT_TRUE(call.wasCancelled());
+      EXPECT_FALSE(reported);
+      EXPECT_EQ(validated, stage == Stage::sending ? 0 : 1);
+      EXPECT_EQ(transport->requests().size(), 1u);
+      EXPECT_THAT(recorder->events, testing::Each(testing::Not(testing::StartsWith("finished"))));
+      EXPECT_EQ(hold.waiting() + clock->pendingWaits(), 0u);
+    }
   }
-  Running<HTTPResponse> call(context, client->fetch(request(HTTPMethod::get, 2)));
-  context.poll();
-  ASSERT_FALSE(call.done);
-  ASSERT_EQ(hold.waiting() + clock->pendingWaits(), 1u);
-  call.cancel.emit(type);
-  context.poll();
-  EXPECT_TRUE(call.wasCancelled());
-  EXPECT_FALSE(reported);
-  EXPECT_EQ(validated, stage == Stage::sending ? 0 : 1);
-  EXPECT_EQ(transport->requests().size(), 1u);
-  EXPECT_THAT(recorder->events, testing::Each(testing::Not(testing::StartsWith("finished"))));
-  EXPECT_EQ(hold.waiting() + clock->pendingWaits(), 0u);
 }
-
-INSTANTIATE_TEST_SUITE_P(EveryStageAndType, HTTPClientCancellation,
-                         testing::Combine(testing::Values(Stage::sending, Stage::task, Stage::waiting),
-                                          testing::Values(asio::cancellation_type::terminal,
-                                                          asio::cancellation_type::partial,
-                                                          asio::cancellation_type::total)));
 
 }  // namespace
 }  // namespace ZAK

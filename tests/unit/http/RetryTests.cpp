@@ -11,18 +11,19 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 
 /// Always decides the same, and counts how often it was asked.
-class FixedValidator : public HTTPValidator {
- public:
-  explicit FixedValidator(HTTPValidatorResult result) : result_(std::move(result)) {}
+struct FixedValidator : HTTPValidator {
+  explicit FixedValidator(HTTPValidatorResult decision) : result(std::move(decision)) {}
   HTTPValidatorResult validate(const HTTPResponse&, const HTTPRequest&) override {
     ++calls;
-    return result_;
+    return result;
   }
+  HTTPValidatorResult result;
   int calls = 0;
-
- private:
-  HTTPValidatorResult result_;
 };
+
+std::shared_ptr<FixedValidator> failing(std::shared_ptr<const std::exception> reason) {
+  return std::make_shared<FixedValidator>(HTTPValidatorResult::fail(std::move(reason)));
+}
 
 HTTPResponse answer(int status) {
   HTTPResponse response;
@@ -122,7 +123,7 @@ TEST(Retry, validatorsRunInOrderUntilOneDecides) {
   const auto next = std::make_shared<FixedValidator>(HTTPValidatorResult::next());
   const auto retry = std::make_shared<FixedValidator>(HTTPValidatorResult::retry(HTTPRetryStrategy::exponential(2)));
   const auto reason = std::make_shared<std::runtime_error>("quota");
-  const auto fail = std::make_shared<FixedValidator>(HTTPValidatorResult::fail(reason));
+  const auto fail = failing(reason);
   HTTPRequest request(HTTPMethod::get, "/a");
   request.maxRetries = 2;
 
@@ -144,8 +145,7 @@ TEST(Retry, validatorsRunInOrderUntilOneDecides) {
 
 TEST(Retry, aRejectionReadsLikeTheResponse) {
   const HTTPRequest request(HTTPMethod::get, "/a");
-  const auto fail =
-      std::make_shared<FixedValidator>(HTTPValidatorResult::fail(std::make_shared<std::runtime_error>("why")));
+  const auto fail = failing(std::make_shared<std::runtime_error>("why"));
   HTTPResponse good = answer(200);
   judged(good, request, {fail}, 0);
   EXPECT_EQ(good.error.value().description(), "HTTP 200 OK");
@@ -158,8 +158,7 @@ TEST(Retry, aRejectionReadsLikeTheResponse) {
   // An HTTPError is not wrapped in another.
   const HTTPError own(HTTPError::Kind::invalidAnswer, HTTPStatusCode(200), "not for me");
   HTTPResponse replaced = answer(200);
-  judged(replaced, request,
-         {std::make_shared<FixedValidator>(HTTPValidatorResult::fail(std::make_shared<HTTPError>(own)))}, 0);
+  judged(replaced, request, {failing(std::make_shared<HTTPError>(own))}, 0);
   EXPECT_EQ(replaced.error.value().kind(), HTTPError::Kind::invalidAnswer);
   EXPECT_EQ(replaced.error.value().description(), "not for me");
 }

@@ -74,12 +74,14 @@ TEST(JSONEncoder, EscapesText) {
     EXPECT_EQ((encode(std::map<std::string, int>{{text, 1}})), "{\"" + escaped + "\":1}");
   }
   // Every byte at every place of a word, among others that need no escape.
-  for (int byte = 1; byte < 0x80; ++byte) {
-    for (std::size_t place = 0; place < 19; ++place) {
-      std::string text(19, ' ');
-      text[place] = static_cast<char>(byte);
-      const std::string json = encode(text);
-      EXPECT_EQ(JSONDecoder().decode<std::string>(json), text) << byte << ' ' << place;
+  for (const std::size_t size : {3u, 7u, 13u, 37u}) {
+    for (int byte = 1; byte < 0x80; ++byte) {
+      for (std::size_t place = 0; place < size; ++place) {
+        std::string text(size, ' ');
+        text[place] = static_cast<char>(byte);
+        const std::string json = encode(text);
+        EXPECT_EQ(JSONDecoder().decode<std::string>(json), text) << byte << ' ' << place << " of " << size;
+      }
     }
   }
 }
@@ -98,7 +100,7 @@ TEST(JSONEncoder, NamesWhatHasNoJSONForm) {
             "[1].numbers[1]: The number is not finite.");
   EXPECT_EQ(encodingError(Wrapper{Row{"\xFF", {}, {}, {}}}), "row.plain: The text is not valid UTF-8.");
   EXPECT_EQ(encodingError(std::numeric_limits<double>::quiet_NaN()), "The number is not finite.");
-  for (const char* text : {"\x80", "\xC0\xAF", "\xED\xA0\x80", "abcdefgh\xE2\x82"}) {
+  for (const char* text : {"\x80", "\xC0\xAF", "\xED\xA0\x80", "abcdefgh\xE2\x82", "abcdefghijklmnop\xE2\x82"}) {
     EXPECT_EQ(encodingError(std::string(text)), "The text is not valid UTF-8.");
   }
   EXPECT_EQ(encodingError(Date::max()), "The date is outside the years 1 to 9999.");

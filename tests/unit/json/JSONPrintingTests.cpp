@@ -15,12 +15,13 @@ TEST(JSONPrinting, SortsAndIndents) {
 
 TEST(JSONPrinting, RedactsTokensAndQuotesNothing) {
   const std::string body =
-      R"({"access_token":"canary","x":[{"token":"canary","refresh_token":["canary"],"firebase_token":null}],"client_secret":"canary","scope":"kept"})";
+      R"({"access_token":"canary","x":[{"token":"canary","refresh_token":["canary"],"firebase_token":null}],"client_secret":"canary","scope":"kept","url":["https://b.example/p?Signature=canary"]})";
   EXPECT_NE(prettyPrinted(body).find("canary"), std::string::npos);
   const std::string redacted = prettyPrinted(body, JSONPrinting::redacted);
   EXPECT_EQ(redacted.find("canary"), std::string::npos);
   EXPECT_NE(redacted.find("\"firebase_token\": null"), std::string::npos);
   EXPECT_NE(redacted.find("kept"), std::string::npos);
+  EXPECT_NE(redacted.find("https://b.example/p?<redacted>"), std::string::npos);
 
   const std::string broken = R"({"access_token":"canary)";
   EXPECT_NE(prettyPrinted(broken).find("parse error"), std::string::npos);

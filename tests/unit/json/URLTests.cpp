@@ -4,58 +4,40 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 
 namespace ZAK {
 namespace {
 
 TEST(URL, KeepsWhatIsValidEscapesWhatIsNotLegalAndRefusesTheRest) {
-  struct {
-    const char* text;
-    const char* expected;  // null: refused
-  } const cases[] = {
-      // Kept byte for byte, since a signature may cover it.
-      {"https://cdn.example/a/b.webp", "https://cdn.example/a/b.webp"},
-      {"https://h.example/p%2Fq?X-Signature=a%2bc&n=%C3%A9&empty=&u=a/b?c:d@e",
-       "https://h.example/p%2Fq?X-Signature=a%2bc&n=%C3%A9&empty=&u=a/b?c:d@e"},
-      {"https://h.example/a/../b/./c//d", "https://h.example/a/../b/./c//d"},
-      {"HTTPS://H.Example:8443/a#f?g", "HTTPS://H.Example:8443/a#f?g"},
-      {"https://user:secret@[::1]:80/", "https://user:secret@[::1]:80/"},
-      {"https://h.example", "https://h.example"},
-      {"https://h.example:65535/", "https://h.example:65535/"},
-      {"https://h.example:/", "https://h.example:/"},
-      {"mailto:a@b.example", "mailto:a@b.example"},
-      {"a/b.jpg?x=1", "a/b.jpg?x=1"},
-      {"/a:b", "/a:b"},
-      {"?q", "?q"},
-      // Escaped.
+  const auto read = [](std::string_view text) {
+    const std::optional<URL> url = URL::parse(text);
+    return url ? url->string() : "refused";
+  };
+  // Byte for byte, since a signature may cover it.
+  for (const char* text :
+       {"https://h.example/p%2Fq?X-Signature=a%2bc&n=%C3%A9&empty=&u=a/b?c:d@e", "https://h.example/a/../b/./c//d",
+        "HTTPS://H.Example:8443/a#f?g", "https://user:secret@[::1]:80/", "https://h.example:65535/",
+        "https://h.example", "https://h.example:/", "mailto:a@b.example", "a/b.jpg?x=1", "/a:b", "?q"}) {
+    EXPECT_EQ(read(text), text);
+  }
+  const std::pair<const char*, const char*> escaped[] = {
       {"https://h.example/a b\"<>\\^`{|}é", "https://h.example/a%20b%22%3C%3E%5C%5E%60%7B%7C%7D%C3%A9"},
       {"https://h.example/a[1]?b[2]#c[3]", "https://h.example/a%5B1%5D?b%5B2%5D#c%5B3%5D"},
       {"https://h.example/100%/%zz/%4", "https://h.example/100%25/%25zz/%254"},
       {"https://h.example/a#b#c", "https://h.example/a#b%23c"},
       {"https://h.example/\n\r\t", "https://h.example/%0A%0D%09"},
       {"a b", "a%20b"},
-      // Refused.
-      {"", nullptr},
-      {"https://", nullptr},
-      {"https:///path", nullptr},
-      {"https://a b/", nullptr},
-      {"https://h.exämple/", nullptr},
-      {"https://h.example:port/", nullptr},
-      {"https://h.example:65536/", nullptr},
-      {"https://h.example:000000000000000000065536/", nullptr},
-      {"https://[::1/", nullptr},
-      {"https://[::1]x/", nullptr},
-      {"https://h.example:80:80/", nullptr},
-      {"//h.example:8a", nullptr},
-      {"1https://h.example/", nullptr},
-      {"ht tps://h.example/", nullptr},
-      {"://h.example/", nullptr},
   };
-  for (const auto& [text, expected] : cases) {
-    const std::optional<URL> url = URL::parse(text);
-    EXPECT_EQ(url ? url->string() : "refused", expected ? expected : "refused") << text;
+  for (const auto& [text, expected] : escaped) EXPECT_EQ(read(text), expected);
+  for (const char* text :
+       {"", "https://", "https:///path", "https://a b/", "https://[::1/", "https://[::1]x/", "://h.example/",
+        "//h.example:8a", "https://h.exämple/", "1https://h.example/", "ht tps://h.example/", "https://h.example:port/",
+        "https://h.example:65536/", "https://h.example:80:80/", "https://h.example:000000000000000000065536/"}) {
+    EXPECT_EQ(read(text), "refused") << text;
   }
-  EXPECT_FALSE(URL::parse(std::string_view("https://h.example\0.other/", 25)));
+  EXPECT_EQ(read(std::string_view("https://h.example\0.other/", 25)), "refused");
 }
 
 TEST(URL, TellsItsParts) {

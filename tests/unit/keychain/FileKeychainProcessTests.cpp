@@ -1,3 +1,4 @@
+#include "support/ChildProcess.hpp"
 #include "support/TemporaryDirectory.hpp"
 
 #include <zvapikit/keychain/FileKeychain.hpp>
@@ -5,11 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <csignal>
 #include <random>
-#include <sys/wait.h>
-#include <unistd.h>
-#include <utility>
 
 namespace ZAK {
 namespace {
@@ -20,36 +17,17 @@ const KeychainSettings settings{.service = "com.example.service", .accessGroup =
 const std::string first(200'000, 'a');
 const std::string second(300'000, 'b');
 
-/// Another process that writes the two in turn, starting with `start`, until it is killed.
-class Writer {
- public:
-  Writer(const std::filesystem::path& directory, const std::string& start) : child_(::fork()) {
-    if (child_ != 0) return;
-    FileKeychain keychain(settings, directory);
-    try {
-      for (const std::string* next = &start;; next = next == &first ? &second : &first) keychain.set(*next, "key");
-    } catch (...) {
-      ::_exit(1);
-    }
-  }
-  Writer(const Writer&) = delete;
-  Writer& operator=(const Writer&) = delete;
-  ~Writer() { static_cast<void>(kill()); }
-
-  /// False when it had ended before, which a writer never does unless a write failed.
-  [[nodiscard]] bool kill() {
-    const pid_t child = std::exchange(child_, -1);
-    int status = 0;
-    return child > 0 && ::kill(child, SIGKILL) == 0 && ::waitpid(child, &status, 0) == child && WIFSIGNALED(status);
-  }
-
- private:
-  pid_t child_;
-};
+/// Writes the two in turn, starting with `next`, until it is killed, or a write fails.
+std::function<int()> writing(FileKeychain& keychain, const std::string& next) {
+  return [&keychain, at = &next]() mutable {
+    for (;; at = at == &first ? &second : &first) keychain.set(*at, "key");
+    return 0;
+  };
+}
 
 TEST(FileKeychainProcessTest, aWriterKilledAtAnyMomentLeavesAWholeItem) {
   constexpr int rounds = 200;
-  const Testing::TemporaryDirectory root;
+  const Tests::TemporaryDirectory root;
   FileKeychain keychain(settings, root.path());
   const auto start = std::chrono::steady_clock::now();
   keychain.set(first, "key");
@@ -59,7 +37,7 @@ TEST(FileKeychainProcessTest, aWriterKilledAtAnyMomentLeavesAWholeItem) {
   std::uniform_int_distribution<useconds_t> microseconds(0, static_cast<useconds_t>(2000 + 4 * write.count()));
   int replaced = 0;
   for (int round = 0; round < rounds; ++round) {
-    Writer writer(root.path(), before == first ? second : first);
+    Tests::ChildProcess writer(writing(keychain, before == first ? second : first));
     ::usleep(microseconds(random));
     ASSERT_TRUE(writer.kill());
     auto after = keychain.data("key");  // fails when the file is not whole
@@ -72,11 +50,11 @@ TEST(FileKeychainProcessTest, aWriterKilledAtAnyMomentLeavesAWholeItem) {
 }
 
 TEST(FileKeychainProcessTest, twoWritersNeverMixTheirItems) {
-  const Testing::TemporaryDirectory root;
+  const Tests::TemporaryDirectory root;
   FileKeychain keychain(settings, root.path());
   keychain.set(first, "key");
-  Writer one(root.path(), first);
-  Writer other(root.path(), second);
+  Tests::ChildProcess one(writing(keychain, first));
+  Tests::ChildProcess other(writing(keychain, second));
   int seen[2] = {0, 0};
   for (int i = 0; i < 300; ++i) {
     const auto data = keychain.data("key");

@@ -1,4 +1,5 @@
 #include "keychain/SelectedKeychain.hpp"
+#include "support/ChildProcess.hpp"
 #include "support/KeychainFailure.hpp"
 #include "support/TemporaryDirectory.hpp"
 
@@ -7,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
+#include <list>
 #include <unistd.h>
 #include <vector>
 
@@ -15,7 +16,7 @@ namespace ZAK {
 namespace {
 
 namespace fs = std::filesystem;
-using Testing::failureOf;
+using Tests::failureOf;
 
 const KeychainSettings settings{.service = "com.example.service", .accessGroup = "group.Example"};
 
@@ -42,7 +43,7 @@ TEST(SelectedKeychainTest, keepsToTheRecordedBackendAndElseToTheOneThatAnswers) 
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.record.value_or("none") + (c.answers ? ", answers" : ", does not answer"));
-    const Testing::TemporaryDirectory root;
+    const Tests::TemporaryDirectory root;
     const fs::path directory = root.path() / "items";
     if (c.record) {
       fs::permissions(root.write("items/backend", *c.record), fs::perms::owner_read | fs::perms::owner_write);
@@ -56,12 +57,12 @@ TEST(SelectedKeychainTest, keepsToTheRecordedBackendAndElseToTheOneThatAnswers) 
     std::optional<std::string> data;
     EXPECT_EQ(failureOf([&] { data = keychain.data("key"); }), c.failure);
     EXPECT_EQ(data, c.data) << "an item of one backend never stands in for one of another";
-    EXPECT_EQ(Testing::contentOf(directory / "backend"), c.recordAfter);
+    EXPECT_EQ(Tests::contentOf(directory / "backend"), c.recordAfter);
   }
 }
 
 TEST(SelectedKeychainTest, looksAgainAfterAFailure) {
-  const Testing::TemporaryDirectory root;
+  const Tests::TemporaryDirectory root;
   const fs::path obstacle = root.write("items", "a file in the directory's place");
   const auto secretService = std::make_shared<InMemoryKeychain>(settings);
   SelectedKeychain keychain(settings, obstacle, secretService);
@@ -74,36 +75,28 @@ TEST(SelectedKeychainTest, looksAgainAfterAFailure) {
 
 TEST(SelectedKeychainTest, processesThatStartTogetherAgree) {
   for (int round = 0; round < 20; ++round) {
-    const Testing::TemporaryDirectory root;
-    std::vector<pid_t> children;
+    const Tests::TemporaryDirectory root;
     int gate[2];
     ASSERT_EQ(::pipe(gate), 0);
     // Every other one finds no service. Each says by its exit code which backend it went to.
+    std::list<Tests::ChildProcess> children;
     for (int i = 0; i < 4; ++i) {
-      const pid_t child = ::fork();
-      ASSERT_GE(child, 0);
-      if (child == 0) {
+      children.emplace_back([&] {
         ::close(gate[1]);
         char byte = 0;
-        if (::read(gate[0], &byte, 1) != 0) ::_exit(9);
+        if (::read(gate[0], &byte, 1) != 0) return 9;
         const auto secretService = std::make_shared<InMemoryKeychain>(settings);
         if (i % 2 == 0) secretService->failNext(KeychainStatus::notAvailable, 2);
         SelectedKeychain keychain(settings, root.path() / "items", secretService);
         const auto failure = failureOf([&] { keychain.set("x", "key"); });
-        if (secretService->counts().writes > 0) ::_exit(1);
-        ::_exit(failure ? 9 : 2);
-      }
-      children.push_back(child);
+        return secretService->counts().writes > 0 ? 1 : failure ? 9 : 2;
+      });
     }
     ::close(gate[1]);
     ::close(gate[0]);
     std::vector<int> codes;
-    for (const pid_t child : children) {
-      int status = 0;
-      ASSERT_EQ(::waitpid(child, &status, 0), child);
-      codes.push_back(WIFEXITED(status) ? WEXITSTATUS(status) : -1);
-    }
-    const int recorded = Testing::contentOf(root.path() / "items/backend") == "file\n" ? 2 : 1;
+    for (auto& child : children) codes.push_back(child.wait());
+    const int recorded = Tests::contentOf(root.path() / "items/backend") == "file\n" ? 2 : 1;
     for (std::size_t i = 0; i < codes.size(); ++i) {
       // A process that comes when the service is recorded already does not choose: it finds its own service away.
       const bool late = recorded == 1 && i % 2 == 0 && codes[i] == 9;

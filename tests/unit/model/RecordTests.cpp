@@ -1,8 +1,14 @@
-#include "support/RecordChecks.hpp"
+#include "model/AnalyticsBody.hpp"
+#include "support/DecodingFailure.hpp"
 #include "support/Samples.hpp"
 
+#include <zvapikit/auth/TokenRequestDto.hpp>
+#include <zvapikit/core/CollectionDto.hpp>
+#include <zvapikit/core/ErrorDto.hpp>
+#include <zvapikit/json/JSONEncoder.hpp>
 #include <zvapikit/model/AppSettingsDto.hpp>
 #include <zvapikit/model/BlockedUserDto.hpp>
+#include <zvapikit/model/CreatePostDto.hpp>
 #include <zvapikit/model/DiscoveryDto.hpp>
 #include <zvapikit/model/FofPostDto.hpp>
 #include <zvapikit/model/LegacyPostDto.hpp>
@@ -11,100 +17,235 @@
 #include <zvapikit/model/MemoriesVideoDto.hpp>
 #include <zvapikit/model/MomentDto.hpp>
 #include <zvapikit/model/PersonDto.hpp>
+#include <zvapikit/model/PostActionDto.hpp>
+#include <zvapikit/model/PostDto.hpp>
 #include <zvapikit/model/ProfileDto.hpp>
 #include <zvapikit/model/ProfileInformationDto.hpp>
 #include <zvapikit/model/ProfileQuibletUploadDto.hpp>
 #include <zvapikit/model/PushSettingsDto.hpp>
 #include <zvapikit/model/RegionDto.hpp>
+#include <zvapikit/model/RelationshipsActionSourceDto.hpp>
 #include <zvapikit/model/RelationshipsPersonDto.hpp>
+#include <zvapikit/model/ReportPostReasonDto.hpp>
+#include <zvapikit/model/ReportProfileReasonDto.hpp>
 #include <zvapikit/model/SearchPersonDto.hpp>
 #include <zvapikit/model/StatsRecapDto.hpp>
 #include <zvapikit/model/TermDto.hpp>
 #include <zvapikit/model/UniqueDto.hpp>
+#include <zvapikit/model/UploadUrlDto.hpp>
 
 #include <gtest/gtest.h>
+
+#include <limits>
+#include <sstream>
+#include <string>
+#include <vector>
 
 namespace ZAK {
 namespace {
 
-using test::checkRecord;
-using test::sample;
+using nlohmann::json;
+using Tests::decodingError;
+using Tests::sample;
 
-TEST(FeedRecords, RequireWhatTheyMust) {
-  checkRecord<FofCommonFriendDto>(sample("BlockedUserDetailsDto"), {"id", "username"});
-  checkRecord<FofUserDto>(sample("FofUserDto"), {"id", "username"});
-  checkRecord<FofRelationshipDto>(sample("FofUserDto")["relationship"], {});
-  checkRecord<FofMomentDto>({{"id", "m1"}, {"region", "europe-west"}}, {"id", "region"});
-  checkRecord<FofLocationDto>(sample("PostLocationDto"), {"latitude", "longitude"});
-  checkRecord<FofQuibletUserDto>({{"id", "u1"}, {"username", "ada"}}, {"id", "username"});
-  checkRecord<FofQuibletDto>(sample("FofQuibletDto"), {"id", "user", "media", "emoji", "isInstant", "postedAt"});
-  checkRecord<FofQuibletsRootDto>(sample("FofQuibletsRootDto"), {"total", "sample"});
-  checkRecord<FofPostDto>(sample("FofPostDto"),
-                          {"id", "user", "moment", "primary", "secondary", "takenAt", "postedAt", "lateInSeconds"});
-  checkRecord<LegacyPostUserDto>(sample("LegacyPostUserDto"), {"id", "username"});
-  checkRecord<LegacyPostDateDto>({{"_seconds", 1}, {"_nanoseconds", 2}}, {"_seconds", "_nanoseconds"});
-  checkRecord<LegacyPostLocation>({{"_latitude", 1.5}, {"_longitude", 2.5}}, {"_latitude", "_longitude"});
-  checkRecord<LegacyPostQuibletDto>(sample("LegacyPostQuibletDto"),
-                                    {"id", "uid", "user", "date", "emoji", "type", "uri", "userName"});
-  checkRecord<LegacyPostCommentDto>(sample("LegacyPostCommentDto"),
-                                    {"id", "uid", "user", "creationDate", "text", "userName"});
-  checkRecord<LegacyPostScreenshotDto>(sample("LegacyPostScreenshotDto"), {"id", "user"});
-  checkRecord<LegacyPostDto>(
-      sample("LegacyPostDto"),
-      {"id", "user", "notificationID", "region", "creationDate", "takenAt", "lateInSeconds", "photoURL", "imageHeight",
-       "imageWidth", "secondaryPhotoURL", "secondaryImageHeight", "secondaryImageWidth"});
-  checkRecord<DiscoveryDto>({{"posts", {sample("LegacyPostDto")}}, {"lastIndex", "abc"}}, {"posts", "lastIndex"});
+/// Sends a record's sample through decoder and encoder, whole and with each field missing, misspelt, null or of another
+/// type.
+template <class T>
+void checkRecord(const std::string& name) {
+  SCOPED_TRACE(name);
+  const auto again = [](const json& body) {
+    return json::parse(JSONEncoder().encode(JSONDecoder().decode<T>(body.dump())));
+  };
+  const json whole = sample(name);
+  EXPECT_EQ(again(whole), whole);
+  const auto optional = Tests::optionalKeys(name);
+  for (const auto& [key, content] : whole.items()) {
+    const auto expectFault = [&, &field = key](const json& value, DecodingError::Kind kind) {
+      json body = whole;
+      body[field] = value;
+      const DecodingError error = decodingError<T>(body.dump());
+      EXPECT_EQ(error.kind(), kind) << body;
+      EXPECT_EQ(error.codingPath(), std::vector<CodingKey>{field}) << body;
+    };
+    expectFault(content.is_string() ? json(5) : json("5"), DecodingError::Kind::typeMismatch);
+    json body = whole;
+    body.erase(key);
+    if (optional.contains(key)) {
+      EXPECT_EQ(again(body), body) << key;
+      json cleared = whole;
+      cleared[key] = nullptr;
+      EXPECT_EQ(again(cleared), body) << key;
+      continue;
+    }
+    expectFault(nullptr, DecodingError::Kind::valueNotFound);
+    EXPECT_EQ(decodingError<T>(body.dump()).key(), key);
+    for (std::size_t i = 0; i < key.size(); ++i) {
+      json misspelt = body;
+      misspelt[std::string(key).replace(i, 1, "#")] = content;
+      EXPECT_EQ(decodingError<T>(misspelt.dump()).key(), key) << i;
+    }
+  }
 }
 
-TEST(PersonRecords, RequireWhatTheyMust) {
-  checkRecord<ProfileDeviceDto>(sample("ProfileDeviceDto"), {"deviceId"});
-  checkRecord<ProfileQuibletDto>({{"emoji", "😍"}, {"media", sample("MediaDto")}}, {"emoji", "media"});
-  checkRecord<ProfileDto>(sample("ProfileDto"),
-                          {"id", "username", "devices", "quiblets", "canPost", "canUpdateRegion"});
-  checkRecord<ProfileCreateInformationDto>(sample("ProfileCreateInformationDto"),
-                                           {"username", "fullname", "birthdate"});
-  checkRecord<ProfileInformationDto>(sample("ProfileInformationDto"), {});
-  checkRecord<ProfileQuibletUploadDto>({{"emoji", "😍"}, {"media", sample("MediaBucketDto")}}, {"emoji", "media"});
-  checkRecord<ProfileQuibletDeleteDto>({{"emoji", "😍"}}, {"emoji"});
-  checkRecord<PersonCommonFriendsSampleDto>(sample("PostPerson"), {"id", "username"});
-  checkRecord<PersonCommonFriendsDto>(sample("PersonCommonFriendsDto"), {"total"});
-  checkRecord<PersonRelationshipsDto>(sample("PersonRelationshipsDto"), {});
-  checkRecord<PersonDto>(sample("PersonDto"), {"id", "username", "createdAt", "relationship"});
-  checkRecord<SearchPersonDto>(sample("SearchPersonDto"), {"id", "username"});
-  checkRecord<RelationshipsPersonDto>(sample("RelationshipsPersonDto"), {"id", "username"});
-  checkRecord<BlockedUserDetailsDto>(sample("BlockedUserDetailsDto"), {"id", "username"});
-  checkRecord<BlockedUserDto>(
-      {{"userId", "u1"}, {"blockedAt", "2023-04-05T17:09:12.345Z"}, {"user", sample("BlockedUserDetailsDto")}},
-      {"userId", "blockedAt", "user"});
-  checkRecord<UniqueDto<MediaDto>>({{"data", sample("MediaDto")}}, {"data"});
+template <class... T>
+void checkRecords(std::istringstream names) {
+  std::string name;
+  (checkRecord<T>((names >> std::ws, std::getline(names, name, ','), name)), ...);
 }
 
-TEST(OtherRecords, RequireWhatTheyMust) {
-  checkRecord<RegionDto>({{"code", "europe-west"}, {"name", "Western Europe"}}, {"code", "name"});
-  checkRecord<RegionUpdateDto>({{"region", "europe-west"}}, {"region"});
-  checkRecord<MomentDto>(sample("MomentDto"), {"id", "region"});
-  checkRecord<MemoryDto>(sample("MemoryDto"), {"id", "isLate", "memoryDay", "primary"});
-  checkRecord<MemoriesDto>(sample("MemoriesDto"), {"data"});
-  checkRecord<MemoriesVideoDto>(sample("MemoriesVideoDto"), {"status"});
-  checkRecord<MemoriesRecapDto>(sample("MemoriesRecapDto"), {"id", "videoStatus", "year"});
-  checkRecord<MemoriesRecapsDto>({{"videos", {sample("MemoriesRecapDto")}}}, {"videos"});
-  checkRecord<StatsRecapCardDto>({{"title", "a"}, {"subtitle", "b"}, {"cardType", "c"}}, {"title", "cardType"});
-  checkRecord<StatsRecapDto>({{"cards", {{{"title", "a"}, {"cardType", "c"}}}}}, {"cards"});
-  const nlohmann::json settings = sample("AppSettingsDto");
-  checkRecord<AppSettingsDto>(settings, {"mandatoryVersions", "recommendedVersions", "polling"});
-  checkRecord<AppSettingsVersionDto>(settings["mandatoryVersions"], {"ios"});
-  checkRecord<AppSettingsPollingDto>(settings["polling"], {"feedsFriends", "moment"});
-  checkRecord<AppSettingsAnalyticsDto>(settings["analytics"], {"batch", "metrics"});
-  checkRecord<AppSettingsAnalyticsBatchDto>(settings["analytics"]["batch"], {"maxLength", "flushAfterMs"});
-  checkRecord<AppSettingsAnalyticsMetricsDto>(settings["analytics"]["metrics"], {"postSustainLookTimeInMs"});
-  checkRecord<AppSettingsFeatureFlagsDto>(settings["featureFlags"], {});
-  checkRecord<AppSettingsFeatureFlagsSettingsDto>(settings["featureFlagsSettings"], {});
-  checkRecord<AppSettingsFeaturesFlagsMessagingDto>(settings["featureFlagsSettings"]["messaging"],
-                                                    {"token", "scenario"});
-  checkRecord<PushSettingsDto>(
-      {{"late", true}, {"comment", true}, {"mention", true}, {"friendRequest", true}, {"quiblet", true}},
-      {"late", "comment", "mention", "friendRequest", "quiblet"});
-  checkRecord<TermDto>({{"code", "gps"}, {"status", "DECLINED"}}, {"code", "status"});
+TEST(Records, TravelWholeAndRequireWhatTheyMust) {
+#define CHECK_RECORDS(...) checkRecords<__VA_ARGS__>(std::istringstream(#__VA_ARGS__))
+  CHECK_RECORDS(MediaDto, MediaBucketDto, UploadUrlDto, CreatePostPictureDto, CreatePostLocationDto, CreatePostDto,
+                NewPostDto, PostPerson, PostMomentDto, PostLocationDto, PostQuibletDto, PostCommentDto,
+                PostScreenshotDto, SampleCollectionDto<PostQuibletDto>, PostDto, CaptionDto, VisibilityDto,
+                AddCommentDto, DeleteCommentsDto, AddQuibletDto, AddInstantQuibletDto, DeleteQuibletsDto);
+  CHECK_RECORDS(FofCommonFriendDto, FofUserDto, FofRelationshipDto, FofMomentDto, FofLocationDto, FofQuibletUserDto,
+                FofQuibletDto, FofQuibletsRootDto, FofPostDto, LegacyPostUserDto, LegacyPostDateDto, LegacyPostLocation,
+                LegacyPostQuibletDto, LegacyPostCommentDto, LegacyPostScreenshotDto, LegacyPostDto, DiscoveryDto);
+  CHECK_RECORDS(ProfileDeviceDto, ProfileQuibletDto, ProfileDto, ProfileCreateInformationDto, ProfileInformationDto,
+                ProfileQuibletUploadDto, ProfileQuibletDeleteDto, PersonCommonFriendsSampleDto, PersonCommonFriendsDto,
+                PersonRelationshipsDto, PersonDto, SearchPersonDto, RelationshipsPersonDto, BlockedUserDetailsDto,
+                BlockedUserDto, UniqueDto<MediaDto>);
+  CHECK_RECORDS(RegionDto, RegionUpdateDto, MomentDto, MemoryDto, MemoriesDto, MemoriesVideoDto, MemoriesRecapDto,
+                MemoriesRecapsDto, StatsRecapCardDto, StatsRecapDto, AppSettingsDto, AppSettingsVersionDto,
+                AppSettingsPollingDto, AppSettingsAnalyticsDto, AppSettingsAnalyticsBatchDto,
+                AppSettingsAnalyticsMetricsDto, AppSettingsFeatureFlagsDto, AppSettingsFeatureFlagsSettingsDto,
+                AppSettingsFeaturesFlagsMessagingDto, PushSettingsDto, TermDto, ErrorDto, CollectionDto<std::string>,
+                TokenRequestDto);
+#undef CHECK_RECORDS
+}
+
+/// Compares the texts of an enumeration, in the order of its cases. One that has a case for it takes any other text.
+template <class E>
+void checkRawValues(const std::vector<std::string>& texts) {
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    EXPECT_EQ(fromRawValue<E>(texts[i]), static_cast<E>(i)) << texts[i];
+    EXPECT_EQ(rawValue(static_cast<E>(i)), texts[i]);
+  }
+  EXPECT_EQ(RawValues<E>::cases.size(), texts.size());
+  EXPECT_EQ(CodableLastByDefault<E>, texts.back() == "unknown" || texts.back() == "UNKNOWN") << texts.back();
+}
+
+TEST(Enumerations, TravelByRawValue) {
+  checkRawValues<PostVisibilityDto>({"friends", "friends-of-friends", "public", "unknown"});
+  checkRawValues<RelationshipsStatusDto>({"pending", "accepted", "rejected", "canceled", "sent"});
+  checkRawValues<RelationshipsActionSourceDto>({"username", "contact", "profile", "comment", "friendsOfFriendsFeed"});
+  checkRawValues<ReportPostReasonDto>({"spam", "scam-or-untrue", "inappropriate-caption", "just-not-for-me",
+                                       "nudity-or-sexual", "violent-or-dangerous", "hate-speech-or-symbols",
+                                       "suicide-or-self-harm", "other"});
+  checkRawValues<ReportProfileReasonDto>({"repeated-friend-invites", "inappropriate-profile-photo",
+                                          "inappropriate-username", "inappropriate-quiblet", "impersonation", "spam",
+                                          "other"});
+  checkRawValues<MemoriesVideoStatusDto>(
+      {"done", "pending", "processing", "downloading", "nonexistent", "unavailable"});
+  checkRawValues<RecapStatusDto>({"pending", "processing", "done", "nonexistent", "unavailable", "toolate", "unknown"});
+  checkRawValues<AppSettingsFeaturesFlagsMessagingDto::Scenario>({"no_limit", "no_limit_vanish"});
+  checkRawValues<TermCodeDto>(
+      {"memories", "gps", "terms", "privacy", "show-friends-to-friends", "camera", "contacts", "unknown"});
+  checkRawValues<TermStatusDto>({"ACCEPTED", "DECLINED", "UNKNOWN"});
+}
+
+TEST(PostDto, FillsItsFields) {
+  json body = sample("PostDto");
+  body["primary"]["height"] = 5;
+  body["visibility"] = {"friends", "Public", "public", ""};
+  const auto post = JSONDecoder().decode<PostDto>(body.dump());
+  using enum PostVisibilityDto;
+  EXPECT_EQ(post.visibility, (std::vector{friends, unknown, public_, unknown}));
+  EXPECT_EQ(post.user.profilePicture->url.string(), "https://cdn.zolvi.example/a.webp?v=1");
+  EXPECT_EQ(post.user.status, RelationshipsStatusDto::accepted);
+  EXPECT_EQ(post.comments->total, 8);
+  EXPECT_EQ(post.comments->sample.at(0).content, "so nice");
+  EXPECT_EQ(post.takenAt, Date(std::chrono::milliseconds(1680714552345)));
+  EXPECT_EQ(post.primary.height, 5);
+  EXPECT_EQ(post.secondary.height, 2000.5);
+
+  body["visibility"][1] = nullptr;
+  EXPECT_STREQ(decodingError<PostDto>(body.dump()).what(), "visibility[1]: expected string, found null");
+  body = sample("PostDto");
+  body["primary"]["url"] = "";
+  EXPECT_STREQ(decodingError<PostDto>(body.dump()).what(), "primary.url: Invalid URL string.");
+}
+
+TEST(FofQuibletsRootDto, CallsItsOwnSelf) {
+  json body = sample("FofQuibletsRootDto");
+  body["self"]["id"] = "mine";
+  EXPECT_EQ(JSONDecoder().decode<FofQuibletsRootDto>(body.dump()).mine->id, "mine");
+}
+
+TEST(LegacyPostDateDto, IsADate) {
+  constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
+  constexpr std::int64_t least = std::numeric_limits<std::int64_t>::min();
+  const struct {
+    LegacyPostDateDto record;
+    Date date;
+  } cases[] = {
+      {{100, 500000000}, Date(std::chrono::milliseconds(100500))},
+      {{1680714552, 123456789}, Date(std::chrono::microseconds(1680714552123457))},
+      {{1680714552, -1000}, Date(std::chrono::microseconds(1680714551999999))},
+      {{-2, 250000000}, Date(std::chrono::milliseconds(-1750))},
+      {{0, 3000000000}, Date(std::chrono::seconds(3))},
+      {{9'100'000'000'000, 0}, Date(std::chrono::seconds(9'100'000'000'000))},
+      {{most, most}, Date::max()},
+      {{least, least}, Date::min()},
+  };
+  for (const auto& [record, date] : cases) EXPECT_EQ(record.date(), date) << record._seconds;
+}
+
+TEST(ProfileInformationDto, IsMadeInTheOrderOfItsFields) {
+  ProfileInformationDto infos("1", "2", "3", "4", Date(), "6", "7", "8", "9", "10", "11", "12");
+  EXPECT_EQ(JSONEncoder().encode(infos),
+            R"({"username":"1","fullname":"2","biography":"3","location":"4","birthdate":"1970-01-01T00:00:00.000Z",)"
+            R"("device":"6","deviceId":"7","platform":"8","timezone":"9","pushToken":"10","language":"11",)"
+            R"("clientVersion":"12"})");
+  EXPECT_EQ(JSONEncoder().encode(ProfileCreateInformationDto::of(infos, "13")),
+            R"({"username":"1","fullname":"2","birthdate":"1970-01-01T00:00:00.000Z","device":"6","deviceId":"7",)"
+            R"("platform":"8","timezone":"9","pushToken":"10","language":"11","clientVersion":"12",)"
+            R"("parentalConsentRequestId":"13"})");
+
+  const auto missing = [&] {
+    try {
+      (void)ProfileCreateInformationDto::of(infos, std::nullopt);
+      return std::vector<CodingKey>();
+    } catch (const EncodingError& error) {
+      return error.codingPath();
+    }
+  };
+  infos.birthdate.reset();
+  EXPECT_EQ(missing(), std::vector<CodingKey>{"birthdate"});
+  infos.fullname.reset();
+  EXPECT_EQ(missing(), std::vector<CodingKey>{"fullname"});
+  infos.username.reset();
+  EXPECT_EQ(missing(), std::vector<CodingKey>{"username"});
+}
+
+/// An object with `levels` of nesting, itself included.
+json nested(int levels) {
+  json value = json::object();
+  for (int i = 1; i < levels; ++i) value = json{{"a", std::move(value)}};
+  return value;
+}
+
+TEST(AnalyticsBody, RefusesWhatJSONCannotHold) {
+  const json cases[] = {json::array(),
+                        nullptr,
+                        {{"a", std::numeric_limits<double>::quiet_NaN()}},
+                        {{"a", json::binary({1, 2})}},
+                        {{"a", "\xFF"}},
+                        {{"\xC3", 1}},
+                        nested(511),
+                        {{"a", {0, std::numeric_limits<double>::infinity()}}}};
+  std::string failure;
+  for (const json& event : cases) {
+    try {
+      failure = analyticsBody({AnalyticsEventDto(json::object()), AnalyticsEventDto(event)});
+    } catch (const EncodingError& error) {
+      failure = error.what();
+    }
+    EXPECT_TRUE(failure.starts_with("events[1]")) << failure;
+  }
+  EXPECT_TRUE(failure.starts_with("events[1].a[1]: ")) << failure;
+  EXPECT_NO_THROW((void)analyticsBody({AnalyticsEventDto(nested(510))}));
 }
 
 }  // namespace

@@ -42,7 +42,7 @@ TEST(DirectoriesTest, defaultsComeFromEnvironmentAndBundle) {
 fs::perms modeOf(const fs::path& path) { return fs::status(path).permissions(); }
 
 TEST(DirectoriesTest, createsForTheUserAlone) {
-  const Testing::TemporaryDirectory root;
+  const Tests::TemporaryDirectory root;
   const mode_t umask = ::umask(0);
   Directories::createPrivate(root.path() / "a/b/");
   ::umask(umask);
@@ -57,7 +57,7 @@ TEST(DirectoriesTest, createsForTheUserAlone) {
 }
 
 TEST(DirectoriesTest, refusesLinksFilesAndForeignDirectories) {
-  const Testing::TemporaryDirectory root;
+  const Tests::TemporaryDirectory root;
   fs::create_directory(root.path() / "target");
   fs::create_directory_symlink(root.path() / "target", root.path() / "link");
   fs::create_directory_symlink(root.path() / "nowhere", root.path() / "dangling");
@@ -67,6 +67,10 @@ TEST(DirectoriesTest, refusesLinksFilesAndForeignDirectories) {
   }
   EXPECT_THROW(Directories::createPrivate(""), fs::filesystem_error);
   EXPECT_FALSE(fs::exists(root.path() / "nowhere"));
+
+  fs::permissions(root.path() / "target", fs::perms::all | fs::perms::sticky_bit);
+  EXPECT_THROW(Directories::createPrivate(root.path() / "target"), fs::filesystem_error);
+  EXPECT_EQ(modeOf(root.path() / "target"), fs::perms::all | fs::perms::sticky_bit) << "others keep their /tmp";
 
   // Somebody else was there first: only root can set that up, and only others can meet it at the root directory.
   const fs::path foreign = ::geteuid() == 0 ? root.path() / "foreign" : fs::path("/");

@@ -22,6 +22,9 @@ struct EmulatorCounts {
   std::map<std::string, std::size_t> requests{};
   std::size_t connections = 0;
   std::size_t faults = 0;  ///< requests that met a fault
+  /// Reports of profiles and posts by their reason. A user's later report of the same replaces the earlier one.
+  std::map<std::string, std::size_t> reports{};
+  std::size_t analyticsEvents = 0;  ///< in all the batches
 
   /// Requests under one key of `requests`; 0 when there were none.
   [[nodiscard]] std::size_t of(const std::string& route) const;

@@ -17,6 +17,7 @@ struct EmulatorUser {
   std::string username{};
   std::string fullname{};
   bool hasPosted = false;  ///< has a post, `post-<id>`, in the moment in which the emulator starts
+  std::string phoneNumber{};
 };
 
 /// How the emulator is set up; everything has a working default.
@@ -43,15 +44,34 @@ struct EmulatorOptions {
   bool requiresFixedHeaders = false;
   int deletionsPerMoment = 1;
   int visibilityUpgradesPerMoment = 1;
+  int regionChangesPerMoment = 1;
+  std::size_t friendsPerUser = 1000;
+  /// Friend requests that may wait for their answer, of one sender and before one receiver.
+  std::size_t pendingRequestsSent = 50;
+  std::size_t pendingRequestsReceived = 100;
+  /// Elements on a page of a paged list; at least 1.
+  std::size_t pageSize = 20;
+  /// How many posts each of `users` has from days before the emulator started: on five days of six, one of them late.
+  std::size_t pastPosts = 30;
+  /// The code that every phone is sent.
+  std::string phoneCode = "123456";
+  std::chrono::seconds phoneCodeLifetime = std::chrono::minutes(5);
+  /// Most bytes that an upload may have.
+  std::size_t uploadLimit = std::size_t{10} << 20;
+  /// Bytes of a recap video.
+  std::size_t videoSize = 400'000;
   /// How many requests are remembered; the oldest are forgotten.
   std::size_t recordedRequests = 1000;
-  std::vector<EmulatorUser> users{{"alice", "alice", "Alice Arnaud", false},
-                                  {"bob", "bob", "Bob Bellini", true},
-                                  {"carol", "carol", "Carol Cruz", true},
-                                  {"dave", "dave.d", "Dave Dupont", true}};
+  std::vector<EmulatorUser> users{{"alice", "alice", "Alice Arnaud", false, "+33639980101"},
+                                  {"bob", "bob", "Bob Bellini", true, "+33639980102"},
+                                  {"carol", "carol", "Carol Cruz", true, "+447700900103"},
+                                  {"dave", "dave.d", "Dave Dupont", true, "+447700900104"}};
   /// Pairs of user ids. Dave is a friend of Alice's friends only.
   std::vector<std::pair<std::string, std::string>> friendships{
       {"alice", "bob"}, {"alice", "carol"}, {"bob", "carol"}, {"bob", "dave"}};
+  /// Whether sixteen more people live around `users`, with friendships, posts, reactions and friend requests. None of
+  /// them is a friend of Alice.
+  bool hasNeighbours = true;
 };
 
 }  // namespace ZAK

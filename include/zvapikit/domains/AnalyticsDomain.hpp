@@ -1,0 +1,23 @@
+#pragma once
+
+#include <zvapikit/core/MobileApiDomain.hpp>
+#include <zvapikit/model/AnalyticsEventDto.hpp>
+
+#include <boost/asio/awaitable.hpp>
+
+#include <vector>
+
+namespace ZAK {
+
+/// Analytics. Executors, lifetimes, cancellation and errors are those of `MobileApiDomain` and `Client`.
+class AnalyticsDomain : public MobileApiDomain {
+ public:
+  using MobileApiDomain::MobileApiDomain;
+
+  /// Sends a batch of events in their order, each as it stands; no events are sent as none. Repeated after a lost
+  /// answer the batch may be counted twice. \throws EncodingError before anything is sent, when an event has no JSON
+  /// form.
+  boost::asio::awaitable<void> send(std::vector<AnalyticsEventDto> events);
+};
+
+}  // namespace ZAK

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <zvapikit/core/MobileApiDomain.hpp>
+#include <zvapikit/model/Identifiers.hpp>
+#include <zvapikit/model/ReportPostReasonDto.hpp>
+#include <zvapikit/model/ReportProfileReasonDto.hpp>
+
+#include <boost/asio/awaitable.hpp>
+
+#include <optional>
+#include <string>
+
+namespace ZAK {
+
+/// Reports to the moderators. Each call makes a report: repeated after a lost answer it may make a second one.
+/// Executors, lifetimes, cancellation and errors are those of `MobileApiDomain` and `Client`.
+class ModerationReportDomain : public MobileApiDomain {
+ public:
+  using MobileApiDomain::MobileApiDomain;
+
+  /// Reports a user. The server decides whether a reason needs a comment.
+  boost::asio::awaitable<void> reportProfile(UserId userID, ReportProfileReasonDto reason,
+                                             std::optional<std::string> comment = {});
+  /// Reports a post. The server decides whether a reason needs a comment.
+  boost::asio::awaitable<void> reportPost(PostId postID, ReportPostReasonDto reason,
+                                          std::optional<std::string> comment = {});
+};
+
+}  // namespace ZAK

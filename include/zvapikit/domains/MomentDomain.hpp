@@ -1,0 +1,21 @@
+#pragma once
+
+#include <zvapikit/core/MobileApiDomain.hpp>
+#include <zvapikit/model/MomentDto.hpp>
+#include <zvapikit/model/RegionCodeDto.hpp>
+
+#include <boost/asio/awaitable.hpp>
+
+namespace ZAK {
+
+/// The moments in which everybody posts. Executors, lifetimes, cancellation and errors are those of `MobileApiDomain`
+/// and `Client`.
+class MomentDomain : public MobileApiDomain {
+ public:
+  using MobileApiDomain::MobileApiDomain;
+
+  /// The last moment of a region. Safe to repeat.
+  boost::asio::awaitable<MomentDto> fetch(RegionCodeDto region);
+};
+
+}  // namespace ZAK

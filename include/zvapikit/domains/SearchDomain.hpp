@@ -1,0 +1,23 @@
+#pragma once
+
+#include <zvapikit/core/CollectionDto.hpp>
+#include <zvapikit/core/MobileApiDomain.hpp>
+#include <zvapikit/model/SearchPersonDto.hpp>
+
+#include <boost/asio/awaitable.hpp>
+
+#include <cstdint>
+#include <string>
+
+namespace ZAK {
+
+/// The search for users. Executors, lifetimes, cancellation and errors are those of `MobileApiDomain` and `Client`.
+class SearchDomain : public MobileApiDomain {
+ public:
+  using MobileApiDomain::MobileApiDomain;
+
+  /// The users whose names fit `query`, at most `limit` of them. Safe to repeat.
+  boost::asio::awaitable<CollectionDto<SearchPersonDto>> searchPersons(std::string query, std::int64_t limit);
+};
+
+}  // namespace ZAK

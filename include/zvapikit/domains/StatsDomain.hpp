@@ -1,0 +1,23 @@
+#pragma once
+
+#include <zvapikit/core/MobileApiDomain.hpp>
+#include <zvapikit/model/StatsRecapDto.hpp>
+
+#include <boost/asio/awaitable.hpp>
+
+#include <optional>
+#include <string>
+
+namespace ZAK {
+
+/// The user's statistics. Executors, lifetimes, cancellation and errors are those of `MobileApiDomain` and `Client`.
+class StatsDomain : public MobileApiDomain {
+ public:
+  using MobileApiDomain::MobileApiDomain;
+
+  /// The recap of the user's activity, its texts in `language` (a code such as `fr`) or in the server's choice. Safe to
+  /// repeat.
+  boost::asio::awaitable<StatsRecapDto> fetch(std::optional<std::string> language = {});
+};
+
+}  // namespace ZAK

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <zvapikit/auth/VonageDto.hpp>
+#include <zvapikit/core/MobileApiDomain.hpp>
+
+#include <boost/asio/awaitable.hpp>
+
+#include <string>
+
+namespace ZAK {
+
+/// Verifies the user's phone number with a code that Vonage's verification service sends to it. Both operations go to
+/// the authentication server, without a token: they serve to sign in. An answer whose status is not `success` is a
+/// result like any other. Executors, lifetimes, cancellation and errors are those of `MobileApiDomain` and `Client`.
+class VonageDomain : public MobileApiDomain {
+ public:
+  using MobileApiDomain::MobileApiDomain;
+
+  /// Has a code sent to a phone number. Asked again too soon the service answers `codeAlreadySend`.
+  boost::asio::awaitable<VonageRequestCodeResponseDto> requestCode(std::string phoneNumber);
+  /// Checks the code that the user typed, of the verification that `requestCode` began. Repeated after a success the
+  /// service answers `requestAlreadyVerified`, without the token.
+  boost::asio::awaitable<VonageCheckCodeResponseDto> checkCode(std::string vonageRequestId, std::string code);
+};
+
+}  // namespace ZAK
