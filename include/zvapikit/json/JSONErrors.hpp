@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
+
 #include <cstddef>
 #include <exception>
 #include <memory>
@@ -38,7 +40,7 @@ class CodingKey {
 /// string that was of the wrong type.
 ///
 /// Thread safety: immutable; copies share the texts.
-class CodingError : public std::exception {
+class ZVAPIKIT_API CodingError : public std::exception {
  public:
   /// From the top of the body to the value at fault.
   [[nodiscard]] const std::vector<CodingKey>& codingPath() const noexcept { return state_->path; }
@@ -66,7 +68,7 @@ class CodingError : public std::exception {
 /// A body that is not JSON, or not the JSON of the record asked for.
 ///
 /// Thread safety: immutable; copies share the texts.
-class DecodingError : public CodingError {
+class ZVAPIKIT_API DecodingError : public CodingError {
  public:
   /// What is wrong.
   enum class Kind {
@@ -98,7 +100,7 @@ class DecodingError : public CodingError {
 /// to 9999, a required value that is absent.
 ///
 /// Thread safety: immutable; copies share the texts.
-class EncodingError : public CodingError {
+class ZVAPIKIT_API EncodingError : public CodingError {
  public:
   /// A value at `path` that cannot be written.
   EncodingError(std::vector<CodingKey> path, std::string debugDescription);

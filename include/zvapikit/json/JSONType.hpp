@@ -50,9 +50,9 @@ struct JSONField {
   static constexpr JSONField of(std::string_view key);
 };
 
-/// What decoder and encoder know of a C++ type, with the type itself forgotten. One constant for each type; two types
-/// are the same exactly when the addresses are. Made by `jsonType<T>()` only; what it holds is the codec's own
-/// business.
+/// What decoder and encoder know of a C++ type, with the type itself forgotten. One constant for each type, made by
+/// `jsonType<T>()` only. A shared library and its host may each have their own of a type; that of `EmptyDto` is one.
+/// What it holds is the codec's own business.
 ///
 /// Thread safety: constant.
 struct JSONType {

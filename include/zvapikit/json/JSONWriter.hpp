@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/json/JSONType.hpp>
 
 #include <string_view>
@@ -14,7 +15,7 @@ class JSONOutput;
 /// `endObject`. The date strategy of the encoder holds for every write.
 ///
 /// Valid only during the hook's call, and for its thread alone.
-class JSONWriter {
+class ZVAPIKIT_API JSONWriter {
  public:
   /// Made by the encoder alone.
   explicit JSONWriter(detail::JSONOutput& output) noexcept : output_(&output) {}

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,7 +14,7 @@ namespace ZAK {
 /// a path, query or fragment are percent-encoded.
 ///
 /// Thread safety: as a standard container.
-class URL {
+class ZVAPIKIT_API URL {
  public:
   /// An empty URL, which no `parse` yields.
   URL() = default;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/keychain/Keychain.hpp>
 
 #include <filesystem>
@@ -14,7 +15,7 @@ namespace ZAK {
 /// else's or open to others fails with `KeychainStatus::io`, as do errors of the file system. A write mends either.
 ///
 /// Thread safety: callable from any thread.
-class FileKeychain final : public Keychain {
+class ZVAPIKIT_API FileKeychain final : public Keychain {
  public:
   /// Longest data of an item, in bytes; longer ones fail with `KeychainStatus::param`, as do empty keys and those whose
   /// file name would be too long.

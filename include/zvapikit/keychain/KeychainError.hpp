@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/keychain/KeychainStatus.hpp>
 
 #include <exception>
@@ -9,7 +10,7 @@ namespace ZAK {
 /// A keychain operation that failed. Names neither the item nor its content.
 ///
 /// Thread safety: immutable.
-class KeychainError : public std::exception {
+class ZVAPIKIT_API KeychainError : public std::exception {
  public:
   /// A failure of this status.
   explicit KeychainError(KeychainStatus status) noexcept : status_(status) {}

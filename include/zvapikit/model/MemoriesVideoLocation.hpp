@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/json/JSONValue.hpp>
 #include <zvapikit/json/JSONWriter.hpp>
 #include <zvapikit/json/URL.hpp>
@@ -18,7 +19,7 @@ namespace ZAK {
 /// In JSON it is `{"documents": {"path": "..."}}` or `{"absolute": {"url": "..."}}`.
 ///
 /// Thread safety: as a standard container.
-class MemoriesVideoLocation {
+class ZVAPIKIT_API MemoriesVideoLocation {
  public:
   /// The documents directory itself.
   MemoriesVideoLocation() = default;

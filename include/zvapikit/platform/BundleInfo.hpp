@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
+
 #include <string>
 
 namespace ZAK {
@@ -8,7 +10,7 @@ namespace ZAK {
 /// directories. A value that is missing is the text `unknown`.
 ///
 /// Thread safety: as a standard container.
-struct BundleInfo {
+struct ZVAPIKIT_API BundleInfo {
   std::string executable = "unknown";    ///< name of the program, for example `MyApp`
   std::string shortVersion = "unknown";  ///< for people, for example `2.3.1`
   std::string identifier = "unknown";    ///< in reverse DNS form, for example `com.example.app`

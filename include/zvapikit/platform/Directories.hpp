@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/platform/BundleInfo.hpp>
 
 #include <filesystem>
@@ -10,7 +11,7 @@ namespace ZAK {
 /// What the default directories are derived from. An unset variable is an empty text.
 ///
 /// Thread safety: as a standard container; `current` reads the environment, so it must not race with `setenv`.
-struct DirectoryEnvironment {
+struct ZVAPIKIT_API DirectoryEnvironment {
   std::string xdgDataHome{};  ///< `XDG_DATA_HOME`; ignored unless absolute, as its standard asks
   std::string home{};         ///< `HOME`, else the home of the user's account
   std::string tmpdir{};       ///< `TMPDIR`; ignored unless absolute
@@ -27,7 +28,7 @@ struct DirectoryEnvironment {
 /// Where the kit keeps files. An empty path stands for the default. They are made when they are needed.
 ///
 /// Thread safety: as a standard container.
-struct Directories {
+struct ZVAPIKIT_API Directories {
   /// Recap videos, which stay. Default: `$XDG_DATA_HOME/IDENTIFIER/Documents`, the identifier being the bundle's.
   std::filesystem::path documents{};
   /// Pictures that are sent as a form. Default: a directory below `$TMPDIR`, else `/tmp`. It must be the user's own,

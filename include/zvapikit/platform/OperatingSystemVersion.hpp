@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
+
 #include <string>
 #include <string_view>
 
@@ -8,7 +10,7 @@ namespace ZAK {
 /// The version of the operating system; on Linux that of the kernel. 6.1.27 for example has the numbers 6, 1 and 27.
 ///
 /// Thread safety: as a standard container; `current` may be called from any thread.
-struct OperatingSystemVersion {
+struct ZVAPIKIT_API OperatingSystemVersion {
   int major = 0;  ///< first number
   int minor = 0;  ///< second number
   int patch = 0;  ///< third number
