@@ -4,7 +4,7 @@
 
 namespace ZAK {
 
-/// Carried by the `Context` for the host's own use. The kit calls nothing on it.
+/// Carried by the `Context` for the host's own use. The kit calls nothing on it, from no thread.
 class ZVAPIKIT_API InterceptorDelegate {
  public:
   virtual ~InterceptorDelegate() = default;

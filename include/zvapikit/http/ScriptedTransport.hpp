@@ -32,6 +32,8 @@ class ZVAPIKIT_API ScriptedHold {
 };
 
 /// How a `ScriptedTransport` ends one attempt.
+///
+/// Thread safety: as a standard container.
 class ZVAPIKIT_API ScriptedAnswer {
  public:
   /// An answer of that status.
