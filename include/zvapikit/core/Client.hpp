@@ -58,7 +58,7 @@ class ZVAPIKIT_API Client : public std::enable_shared_from_this<Client> {
   }
 
   /// Sends a request below the authentication server's base, without a token.
-  /// \throws as `fire`.
+  /// \throws ZAKError and others as `fire`.
   template <class Result>
   boost::asio::awaitable<Result> authFire(HTTPRequest request) {
     return decoded<Result>(shared_from_this(), std::move(request), Route::auth);
@@ -66,7 +66,11 @@ class ZVAPIKIT_API Client : public std::enable_shared_from_this<Client> {
 
  protected:
   /// Which server a request is for, and whether it is signed.
-  enum class Route { plain, signedIn, auth };
+  enum class Route {
+    plain,     ///< the mobile API, without a token
+    signedIn,  ///< the mobile API, as the user
+    auth       ///< the authentication server
+  };
 
   /// The one operation behind the typed ones.
   virtual boost::asio::awaitable<void> send(HTTPRequest request, Route route, DecodeTarget target) = 0;

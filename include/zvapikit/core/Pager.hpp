@@ -62,7 +62,7 @@ class Pager {
   /// \throws RepeatedCursorError instead of reading a page again; this page's elements have been handed out before.
   boost::asio::awaitable<std::optional<std::vector<Element>>> next() { return nextPage(state_); }
   /// The next element; absent behind the last one or at the limit.
-  /// \throws as `next`.
+  /// \throws RepeatedCursorError as `next`.
   boost::asio::awaitable<std::optional<Element>> nextElement() { return nextOne(state_); }
 
   /// Where the next page to be read is: absent before the first, the end behind the last. To go on from there, now or

@@ -32,7 +32,8 @@ class ZVAPIKIT_API RequestExecutor {
 
   /// Sends the request, again as often as its `maxRetries` and the client's validators have it, and decodes the answer
   /// into `target`. The awaitable keeps the executor alive.
-  /// \throws ZAKError, or the error exactly as received when it is none of the HTTP layer's: cancellation, decoding.
+  /// \throws ZAKError for the failures of the HTTP layer; anything else exactly as it was received: cancellation,
+  ///   decoding.
   virtual boost::asio::awaitable<void> execute(HTTPRequest request, DecodeTarget target) = 0;
 };
 

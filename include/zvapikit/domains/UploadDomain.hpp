@@ -39,7 +39,7 @@ class ZVAPIKIT_API UploadDomain : public MobileApiDomain {
   /// \throws HTTPError when no whole answer came; ZAKError `failedToUploadWithSignedUrl` when the storage refused.
   boost::asio::awaitable<void> upload(std::string data, UploadUrlDto with, HTTPProgress::Function sent = {});
   /// The same with the content of a file, which is read while it is sent and must not change meanwhile.
-  /// \throws as `upload`; HTTPError of kind `fileSystem` when the file cannot be read.
+  /// \throws HTTPError as `upload`, and of kind `fileSystem` when the file cannot be read; ZAKError as `upload`.
   boost::asio::awaitable<void> uploadFile(std::filesystem::path file, UploadUrlDto with,
                                           HTTPProgress::Function sent = {});
 };

@@ -16,6 +16,7 @@ namespace ZAK {
 /// Thread safety: callable from any thread.
 class ZVAPIKIT_API ScriptedHold {
  public:
+  /// A hold that nobody has released.
   ScriptedHold();
 
   /// Lets everything held go; whatever comes later is not held at all.
@@ -55,6 +56,7 @@ class ZVAPIKIT_API ScriptedAnswer {
 /// Thread safety: callable from any thread.
 class ZVAPIKIT_API ScriptedTransport final : public Transport {
  public:
+  /// A transport without a script.
   ScriptedTransport();
   ~ScriptedTransport() override;
 

@@ -24,7 +24,7 @@ class ZVAPIKIT_API JSONValue {
   explicit JSONValue(const detail::JSONNode& node) noexcept : node_(&node) {}
 
   /// The value itself.
-  /// \throws DecodingError, as every read, with the path from the top of the body.
+  /// \throws DecodingError with the path from the top of the body, as every read.
   template <class T>
   [[nodiscard]] T as() const {
     T result{};
@@ -33,7 +33,7 @@ class ZVAPIKIT_API JSONValue {
   }
 
   /// The value under `key` of this object.
-  /// \throws DecodingError, also when this is no object.
+  /// \throws DecodingError also when this is no object.
   template <class T>
   [[nodiscard]] T get(std::string_view key) const {
     T result{};

@@ -46,6 +46,7 @@ class ZVAPIKIT_API Emulator {
   /// \throws std::invalid_argument for an empty executor; boost::system::system_error when the port is taken.
   [[nodiscard]] static std::shared_ptr<Emulator> start(boost::asio::any_io_executor executor,
                                                        EmulatorOptions options = {});
+  /// As `stop`.
   ~Emulator();
   Emulator(const Emulator&) = delete;
   Emulator& operator=(const Emulator&) = delete;
