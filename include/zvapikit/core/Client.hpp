@@ -22,14 +22,13 @@ class LoggerDelegate;
 /// leaves the awaiting coroutine open to every cancellation type (`enable_total_cancellation`).
 ///
 /// Repeats: the kit sends an authenticated request at most three times. It sends it again
-/// - when the transfer failed before a byte of an answer came, after 0.5 to 1 s and then 1 to 2 s, but only a GET,
-/// HEAD,
-///   PUT or DELETE: POST and PATCH are never sent again then, since the server may have acted on them;
+/// - when the transfer failed before a byte of an answer came, after 0.5 to 1 s and then 1 to 2 s: a GET, HEAD, PUT or
+///   DELETE, never a POST or PATCH, since the server may have acted on it;
 /// - whatever the method, when the server refused the token (401 or 403 without a key of `ErrorDto::Key`), with a new
-///   one.
+///   token.
 ///
 /// No other answer is asked for twice. Without authentication only the first rule holds, up to
-/// `HTTPRequest::maxRetries`.
+/// `HTTPRequest::maxRetries`. Each operation says whether the host may make it again.
 ///
 /// Thread safety: any number of calls at once, from any thread.
 class ZVAPIKIT_API Client : public std::enable_shared_from_this<Client> {

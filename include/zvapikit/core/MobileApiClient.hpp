@@ -53,8 +53,9 @@ class ZVAPIKIT_API MobileApiClient final : public Client {
 
   /// Sends a request that has a destination through a client as `buildRaw` makes them. Calls for one URL (its query
   /// aside) and destination share a transfer: whoever comes later waits for it and is told of its progress.
-  /// Otherwise as `HTTPClient::fetch`. When the call that transfers is cancelled, one that waits takes over. Safe to
-  /// repeat. \throws std::invalid_argument when the request has no destination.
+  /// When the call that transfers is cancelled, one that waits takes over. Otherwise as `HTTPClient::fetch`.
+  /// Safe to repeat.
+  /// \throws std::invalid_argument when the request has no destination.
   boost::asio::awaitable<HTTPResponse> download(HTTPRequest request);
 
  private:

@@ -30,8 +30,7 @@ class ZVAPIKIT_API UploadDomain : public MobileApiDomain {
 
   /// Uploads `data`. Several uploads may run at once. Safe to repeat while the URL is accepted; when it expires is the
   /// storage's to judge, not the kit's. A connection that fails is tried up to three times more; 60 s without a byte
-  /// moving is a failure. After a cancellation the storage may have
-  /// the file all the same.
+  /// moving is a failure. After a cancellation the storage may have the file all the same.
   ///
   /// The request carries the signed headers alone, with the content type of a JPEG unless they name one: nothing of the
   /// kit's, and no token. What the storage answers is logged. `sent` is told of the bytes that have gone out, as
