@@ -7,7 +7,8 @@
 /// The kit, whole. What follows holds wherever a symbol does not say otherwise.
 ///
 /// **Operations** yield a `boost::asio::awaitable`: an ordinary call builds it, awaiting it runs it, on the caller's
-/// executor. What fails is thrown where it is awaited.
+/// executor. What fails is thrown where it is awaited. Hosts without coroutines pass it to `MobileApiClient::spawn`,
+/// for a callback or a future, or to `BlockingClient::run`.
 ///
 /// **Cancellation** of any type ends an operation at once with `boost::system::system_error` of `operation_aborted`. A
 /// server may have acted on the request all the same.
