@@ -82,8 +82,8 @@ struct AppSettingsFeatureFlagsDto {
 
 /// How long messages stay. An unknown text fails to decode.
 enum class MessagingScenario {
-  noLimit,       ///< for good
-  noLimitVanish  ///< for good, beside messages that vanish
+  noLimit,       ///< text `no_limit`
+  noLimitVanish  ///< text `no_limit_vanish`: the same, but they may be made to vanish
 };
 
 template <>

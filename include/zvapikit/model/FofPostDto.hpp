@@ -138,7 +138,7 @@ struct FofPostDto {
   Date takenAt{};                              ///< when the pictures were taken
   Date postedAt{};                             ///< when the server received the post
   std::int64_t lateInSeconds = 0;              ///< how late, in seconds
-  std::optional<FofQuibletsRootDto> quiblets;  ///< absent when there are none
+  std::optional<FofQuibletsRootDto> quiblets;  ///< reactions; absent when the server leaves them out
 
   bool operator==(const FofPostDto&) const = default;
   static constexpr auto jsonFields() {

@@ -38,7 +38,7 @@ struct ZVAPIKIT_API MemoryDto {
   }
 };
 
-/// One page of memories.
+/// One page of memories. No operation takes its cursors: for more, raise the limit or ask for all.
 struct MemoriesDto {
   std::vector<MemoryDto> data;               ///< latest day first
   std::optional<std::string> next;           ///< cursor of the next page; absent on the last

@@ -39,7 +39,7 @@ struct ProfileInformationDto {
   std::optional<std::string> fullname;       ///< as other users shall see it
   std::optional<std::string> biography;      ///< any text
   std::optional<std::string> location;       ///< any text
-  std::optional<Date> birthdate;             ///< the server refuses users who are too young
+  std::optional<Date> birthdate;             ///< one that cannot be fails with the key `errorBirthdate`
   std::optional<std::string> device;         ///< model, any text
   std::optional<std::string> deviceId;       ///< `DeviceInfo::deviceId`
   std::optional<std::string> platform;       ///< operating system, any text
@@ -87,9 +87,9 @@ struct ZVAPIKIT_API ProfileCreateInformationDto {
         clientVersion(std::move(clientVersion_)),
         parentalConsentRequestId(std::move(parentalConsentRequestId_)) {}
 
-  std::string username;                                 ///< unique among users
+  std::string username;                                 ///< one that is taken fails with the key `usernameNotAvailable`
   std::string fullname;                                 ///< as other users shall see it
-  Date birthdate{};                                     ///< the server refuses users who are too young
+  Date birthdate{};                                     ///< one that cannot be fails with the key `errorBirthdate`
   std::optional<std::string> device;                    ///< model, any text
   std::optional<std::string> deviceId;                  ///< `DeviceInfo::deviceId`
   std::optional<std::string> platform;                  ///< operating system, any text
