@@ -82,8 +82,8 @@ struct AppSettingsFeatureFlagsDto {
 
 /// How long messages stay. An unknown text fails to decode.
 enum class MessagingScenario {
-  noLimit,       ///< text `no_limit`
-  noLimitVanish  ///< text `no_limit_vanish`: the same, but they may be made to vanish
+  noLimit,       ///< without limit
+  noLimitVanish  ///< without limit, unless they are made to vanish
 };
 
 template <>
