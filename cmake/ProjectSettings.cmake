@@ -26,9 +26,6 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LES
   # When it optimises it sees overlaps in `"text" + std::string` that are not there (GCC bug 105651).
   target_compile_options(zvapikit_settings INTERFACE $<$<NOT:$<CONFIG:Debug>>:-Wno-restrict>)
 endif()
-if(PROJECT_IS_TOP_LEVEL)
-  target_compile_options(zvapikit_settings INTERFACE -Werror) # a host's newer compiler may know more warnings
-endif()
 if(ZVAPIKIT_SANITIZE)
   target_compile_options(zvapikit_settings INTERFACE -fsanitize=${ZVAPIKIT_SANITIZE} -fno-omit-frame-pointer
                                                      -fno-sanitize-recover=all)
