@@ -11,7 +11,7 @@ packages=(
   # tests
   libgtest-dev libgmock-dev nginx-light openssl dbus gnome-keyring
   # the wider checks
-  clang-19 libclang-rt-19-dev clang-format-14 clang-tidy-14
+  clang-19 libclang-rt-19-dev clang-format-14 clang-tidy-14 doxygen
 )
 [ "${1:-}" != bench ] || packages+=(curl libnginx-mod-http-echo python3 rapidjson-dev valgrind)
 

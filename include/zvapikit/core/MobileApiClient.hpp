@@ -1,10 +1,20 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/Client.hpp>
+#include <zvapikit/core/SpawnHandler.hpp>
 #include <zvapikit/http/HTTPResponse.hpp>
 #include <zvapikit/platform/Directories.hpp>
 
+#include <boost/asio/associated_cancellation_slot.hpp>
+#include <boost/asio/async_result.hpp>
+#include <boost/asio/cancellation_state.hpp>
+#include <boost/asio/co_spawn.hpp>
+#include <boost/asio/this_coro.hpp>
+
 #include <memory>
+#include <type_traits>
+#include <utility>
 
 namespace ZAK {
 
@@ -16,7 +26,7 @@ class HTTPClient;
 /// flight finish.
 ///
 /// Thread safety: all operations may be called from any thread, any number at once.
-class MobileApiClient final : public Client {
+class ZVAPIKIT_API MobileApiClient final : public Client {
   struct Parts;
 
  public:
@@ -34,28 +44,90 @@ class MobileApiClient final : public Client {
   [[nodiscard]] std::shared_ptr<LoggerDelegate> logger() const override;
   void setLogger(DelegateReference<LoggerDelegate> logger) override;
 
-  /// The context's directories, each with its default where the context named none.
+  /// Where the client's files are: the context's directories, each with its default where the context named none.
   [[nodiscard]] const Directories& directories() const noexcept;
 
+  /// Starts an operation, of an endpoint group or any coroutine of the host's own, for hosts that do not `co_await`:
+  ///
+  ///     client->spawn(feeds.fetchFriends(), [](ZAK::Outcome<std::vector<ZAK::LegacyPostDto>> posts) { ... });
+  ///     std::future<ZAK::DiscoveryDto> discovery = client->spawn(feeds.fetchDiscovery(), boost::asio::use_future);
+  ///
+  /// A callback takes one `Outcome` and returns nothing. Any other completion token (`use_future`, `detached`,
+  /// `deferred`, ...) works as with `boost::asio::co_spawn`; the result must then be default constructible. The
+  /// operation keeps the client until it has ended.
+  ///
+  /// Operations and callbacks run on the context's executor, those of one client one at a time, so a callback must not
+  /// block; `bind_executor` takes it elsewhere. What it throws leaves the `run()` of that executor's context. When that
+  /// context ends before the operation does, the callback is destroyed without being called.
+  ///
+  /// `bind_cancellation_slot(signal.slot(), callback)` lets `signal.emit(type)` cancel the operation, at any time and
+  /// from any thread, with every cancellation type. The signal may outlive the client and the context.
+  ///
+  /// Callable from any thread.
+  /// \throws boost::system::system_error of `operation_aborted` when the executor's context has ended.
+  template <class T, class Token>
+  auto spawn(boost::asio::awaitable<T> operation, Token&& token) {
+    constexpr bool isCallback = detail::OutcomeCallback<Token, T>;
+    return boost::asio::async_initiate<Token, typename detail::SpawnSignature<T, isCallback>::type>(
+        [self = shared()](auto&& handler, boost::asio::awaitable<T> call) {
+          using Handler = std::decay_t<decltype(handler)>;
+          const auto cancellation = std::make_shared<boost::asio::cancellation_signal>();
+          if (auto slot = boost::asio::get_associated_cancellation_slot(handler); slot.is_connected()) {
+            slot.assign(SpawnCancellation{self, cancellation});
+          }
+          const auto executor = self->spawnExecutor();
+          boost::asio::co_spawn(executor, keptAlive(self, std::move(call)),
+                                detail::SpawnHandler<T, isCallback, Handler>(std::forward<decltype(handler)>(handler),
+                                                                             executor, cancellation));
+        },
+        token, std::move(operation));
+  }
+
   /// Forgets the token, in memory and in the keychain. A token exchange that is under way is not cancelled, but what
-  /// it brings is dropped. Sends nothing; fails only by cancellation.
+  /// it brings is dropped. Sends nothing; fails only by cancellation. Safe to repeat.
   boost::asio::awaitable<void> clear();
 
   /// Does what `clear()` does, then signs the user out of the host's Firebase authentifier, if that is still there.
+  /// Cancelled meanwhile it may have done the first without the second. Safe to repeat.
   boost::asio::awaitable<void> logout();
 
   /// A bare HTTP client over this client's connections, for absolute URLs outside the kit's two servers: no base URL,
   /// none of the kit's headers, no token, no validators but the default one. It follows at most 5 redirects and reports
-  /// to the client's monitor.
+  /// to the client's monitor. Repeats are those that `HTTPClient::create` tells of, up to `HTTPRequest::maxRetries`.
   [[nodiscard]] std::shared_ptr<HTTPClient> buildRaw() const;
 
   /// Sends a request that has a destination through a client as `buildRaw` makes them. Calls for one URL (its query
   /// aside) and destination share a transfer: whoever comes later waits for it and is told of its progress.
-  /// Otherwise as `HTTPClient::fetch`.
+  /// When the call that transfers is cancelled, one that waits takes over. Otherwise as `HTTPClient::fetch`.
+  /// Safe to repeat.
   /// \throws std::invalid_argument when the request has no destination.
   boost::asio::awaitable<HTTPResponse> download(HTTPRequest request);
 
  private:
+  /// Takes a cancellation to where its operation runs. Holds nothing that must not outlive the execution context.
+  struct SpawnCancellation {
+    std::weak_ptr<MobileApiClient> client;
+    std::weak_ptr<boost::asio::cancellation_signal> operation;
+
+    void operator()(boost::asio::cancellation_type type) const;
+  };
+
+  [[nodiscard]] std::shared_ptr<MobileApiClient> shared();
+  /// A strand over the context's executor.
+  [[nodiscard]] boost::asio::any_io_executor spawnExecutor() const;
+  template <class T>
+  static boost::asio::awaitable<detail::Spawned<T>> keptAlive([[maybe_unused]] std::shared_ptr<MobileApiClient> self,
+                                                              boost::asio::awaitable<T> operation) {
+    co_await boost::asio::this_coro::reset_cancellation_state(boost::asio::enable_total_cancellation());
+    if constexpr (std::is_void_v<T>) {
+      co_await std::move(operation);
+      co_return std::monostate();
+    } else {
+      T value = co_await std::move(operation);
+      co_return detail::Spawned<T>(std::move(value));
+    }
+  }
+
   boost::asio::awaitable<void> send(HTTPRequest request, Route route, DecodeTarget target) override;
   static boost::asio::awaitable<void> sendKeeping(std::shared_ptr<MobileApiClient> self, HTTPRequest request,
                                                   Route route, DecodeTarget target);

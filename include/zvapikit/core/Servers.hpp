@@ -1,17 +1,21 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/Configuration.hpp>
 
 #include <string>
 
 namespace ZAK {
 
-/// The base URLs of the back-end. The defaults are compiled in (see the deployment settings of the build).
-struct Servers {
-  std::string mobileProduction = compiledIn().mobileProduction;
-  std::string mobileSandbox = compiledIn().mobileSandbox;
-  std::string authProduction = compiledIn().authProduction;
-  std::string authSandbox = compiledIn().authSandbox;
+/// The base URLs of the back-end: absolute, https, without user and query. The defaults are compiled in, from the CMake
+/// cache variables `ZVAPIKIT_MOBILE_PRODUCTION` and so on.
+///
+/// Thread safety: as a standard container.
+struct ZVAPIKIT_API Servers {
+  std::string mobileProduction = compiledIn().mobileProduction;  ///< mobile API, `Environment::production`
+  std::string mobileSandbox = compiledIn().mobileSandbox;        ///< mobile API, `Environment::sandbox`
+  std::string authProduction = compiledIn().authProduction;      ///< authentication server, `Environment::production`
+  std::string authSandbox = compiledIn().authSandbox;            ///< authentication server, `Environment::sandbox`
 
   /// Base of the mobile API in an environment.
   [[nodiscard]] const std::string& mobile(Configuration::Environment environment) const noexcept {

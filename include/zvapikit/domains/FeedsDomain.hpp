@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/CollectionDto.hpp>
 #include <zvapikit/core/MobileApiDomain.hpp>
 #include <zvapikit/model/DiscoveryDto.hpp>
@@ -14,9 +15,10 @@
 
 namespace ZAK {
 
-/// The three feeds of posts. Every operation reads as the signed-in user and is safe to repeat. Executors, lifetimes,
-/// cancellation and errors are those of `MobileApiDomain` and `Client`.
-class FeedsDomain : public MobileApiDomain {
+/// The three feeds of posts. Every operation reads as the signed-in user, is safe to repeat, and is sent again by the
+/// kit when the connection fails. Thread safety, executors, lifetimes, cancellation and errors are those of
+/// `MobileApiDomain` and `Client`.
+class ZVAPIKIT_API FeedsDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;
 

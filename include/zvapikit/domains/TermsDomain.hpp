@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/CollectionDto.hpp>
 #include <zvapikit/core/MobileApiDomain.hpp>
 #include <zvapikit/model/TermDto.hpp>
@@ -8,9 +9,10 @@
 
 namespace ZAK {
 
-/// The terms and consents that the user accepts or declines. Every operation is safe to repeat. Executors, lifetimes,
-/// cancellation and errors are those of `MobileApiDomain` and `Client`.
-class TermsDomain : public MobileApiDomain {
+/// The terms and consents that the user accepts or declines. Every operation is safe to repeat, and is sent again by
+/// the kit when the connection fails. Thread safety, executors, lifetimes, cancellation and errors are those of
+/// `MobileApiDomain` and `Client`.
+class ZVAPIKIT_API TermsDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;
 

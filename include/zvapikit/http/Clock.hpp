@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/json/Date.hpp>
 
 #include <boost/asio/awaitable.hpp>
@@ -12,10 +13,11 @@ namespace ZAK {
 /// The kit's source of time: the instant now, and waiting. Hosts' tests replace it by a `ManualClock`.
 ///
 /// Thread safety: callable from any thread.
-class Clock {
+class ZVAPIKIT_API Clock {
  public:
   virtual ~Clock() = default;
 
+  /// The instant at which it is called.
   [[nodiscard]] virtual Date now() const = 0;
   /// Resumes on the caller's executor when `duration` is over. Cancellation of any type ends the wait at once with
   /// `operation_aborted`. The awaitable keeps the clock alive.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,15 +12,17 @@ namespace ZAK {
 /// An ordered list of header fields. Names compare without regard to case (RFC 9110); a name stands once.
 ///
 /// Thread safety: as a standard container.
-class HTTPHeaders {
+class ZVAPIKIT_API HTTPHeaders {
  public:
-  /// One field: a name and a value, which may be empty and is then sent empty.
+  /// One field: a name and a value, which may be empty and is then sent empty. A CR, LF or NUL in either is refused
+  /// when a request is sent.
   struct Element {
     Element() = default;
+    /// All fields, in their order.
     Element(std::string name_, std::string value_) : name(std::move(name_)), value(std::move(value_)) {}
 
-    std::string name;
-    std::string value;
+    std::string name;   ///< without the colon
+    std::string value;  ///< as it is sent
 
     bool operator==(const Element&) const = default;
 
@@ -46,7 +50,9 @@ class HTTPHeaders {
   void remove(std::string_view name);
   /// The value of the element of that name; absent when there is none.
   [[nodiscard]] std::optional<std::string> value(std::string_view name) const;
+  /// True when there is an element of that name.
   [[nodiscard]] bool contains(std::string_view name) const noexcept;
+  /// All of them, in their order.
   [[nodiscard]] const std::vector<Element>& elements() const noexcept { return elements_; }
 
   bool operator==(const HTTPHeaders&) const = default;

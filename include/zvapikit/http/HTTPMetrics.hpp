@@ -8,6 +8,8 @@ namespace ZAK {
 
 /// What one attempt cost. All instants are measured from the moment the attempt was handed to the transport; a phase
 /// that did not take place (name look-up, connecting and TLS on a connection used again) is zero.
+///
+/// Thread safety: as a standard container.
 struct HTTPMetrics {
   std::chrono::microseconds nameLookup{};     ///< until the name was resolved
   std::chrono::microseconds connect{};        ///< until the connection stood
@@ -18,8 +20,8 @@ struct HTTPMetrics {
   std::uint64_t bytesReceived = 0;            ///< body bytes, before decompression
   int attempt = 1;                            ///< 1 for the first attempt, 2 for its first retry, ...
   int redirects = 0;                          ///< redirects followed
-  bool reusedConnection = false;
-  std::string protocol;  ///< `HTTP/1.1`, `HTTP/2`, or empty when no answer came
+  bool reusedConnection = false;              ///< the connection had served an earlier attempt
+  std::string protocol;                       ///< `HTTP/1.1`, `HTTP/2`, or empty when no answer came
 };
 
 }  // namespace ZAK

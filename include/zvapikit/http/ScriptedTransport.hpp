@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/http/Transport.hpp>
 
 #include <cstddef>
@@ -13,8 +14,9 @@ namespace ZAK {
 /// once. Copies are the same hold. It serves answers of a `ScriptedTransport`, and a test's own fakes by `wait`.
 ///
 /// Thread safety: callable from any thread.
-class ScriptedHold {
+class ZVAPIKIT_API ScriptedHold {
  public:
+  /// A hold that nobody has released.
   ScriptedHold();
 
   /// Lets everything held go; whatever comes later is not held at all.
@@ -31,7 +33,9 @@ class ScriptedHold {
 };
 
 /// How a `ScriptedTransport` ends one attempt.
-class ScriptedAnswer {
+///
+/// Thread safety: as a standard container.
+class ZVAPIKIT_API ScriptedAnswer {
  public:
   /// An answer of that status.
   explicit ScriptedAnswer(int status, std::string body = {}, HTTPHeaders headers = HTTPHeaders());
@@ -50,8 +54,9 @@ class ScriptedAnswer {
 ///     auto client = HTTPClient::create(transport, URL::parse("https://example.org/api"));
 ///
 /// Thread safety: callable from any thread.
-class ScriptedTransport final : public Transport {
+class ZVAPIKIT_API ScriptedTransport final : public Transport {
  public:
+  /// A transport without a script.
   ScriptedTransport();
   ~ScriptedTransport() override;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/json/JSONDateStrategy.hpp>
 #include <zvapikit/json/JSONErrors.hpp>
 #include <zvapikit/json/JSONType.hpp>
@@ -12,10 +13,12 @@ namespace ZAK {
 /// fields are left out. Numbers are the shortest text that reads back equal; text outside ASCII stays UTF-8.
 ///
 /// Thread safety: immutable; use one encoder from any number of threads.
-class JSONEncoder {
+class ZVAPIKIT_API JSONEncoder {
  public:
+  /// An encoder that writes dates by this strategy.
   explicit JSONEncoder(JSONDateStrategy dates = JSONDateStrategy::javaScriptISO8601) noexcept : dates_(dates) {}
 
+  /// The value as JSON.
   /// \throws EncodingError when a part of the value has no JSON form.
   template <class T>
   [[nodiscard]] std::string encode(const T& value) const {
@@ -23,6 +26,7 @@ class JSONEncoder {
   }
 
   /// The same for an object of the described type.
+  /// \throws EncodingError as above.
   [[nodiscard]] std::string encode(const JSONType& type, const void* value) const;
 
  private:
