@@ -1,17 +1,14 @@
 // The kit's log lines in spdlog (https://github.com/gabime/spdlog), as a host would have them: in its own format, at
 // its own levels, written by a thread of spdlog's.
 
+#include <zvapikit/core/BlockingClient.hpp>
 #include <zvapikit/core/Context.hpp>
 #include <zvapikit/core/FirebaseAuthentifier.hpp>
 #include <zvapikit/core/LoggerDelegate.hpp>
-#include <zvapikit/core/MobileApiClient.hpp>
 #include <zvapikit/core/ZAKError.hpp>
 #include <zvapikit/domains/ContentDomain.hpp>
 #include <zvapikit/emulator/EmulatorThread.hpp>
 #include <zvapikit/keychain/InMemoryKeychain.hpp>
-
-#include <boost/asio/co_spawn.hpp>
-#include <boost/asio/io_context.hpp>
 
 #include <iostream>
 #include <spdlog/async_logger.h>
@@ -57,14 +54,6 @@ class Firebase : public ZAK::FirebaseAuthentifier {
   void signOut() noexcept override {}
 };
 
-boost::asio::awaitable<void> read(std::shared_ptr<ZAK::MobileApiClient> client, std::string postId) {
-  ZAK::ContentDomain content{client};
-  try {
-    co_await content.post(ZAK::PostId(postId));
-  } catch (const ZAK::ZAKError&) {  // has been logged
-  }
-}
-
 }  // namespace
 
 int main() {
@@ -74,23 +63,21 @@ int main() {
       std::make_shared<SpdlogLogger>(makeLogger(std::make_shared<spdlog::sinks::ostream_sink_mt>(lines), writer));
 
   ZAK::EmulatorThread backend;
-  boost::asio::io_context io;
   const auto firebase = std::make_shared<Firebase>();
-  const auto client = ZAK::MobileApiClient::create({
+  ZAK::BlockingClient tool({
       .configuration = {ZAK::Configuration::Environment::sandbox},
       .authentifier = firebase,
-      .logger = logger,  // held weakly: no log, no call? Look whether the host still has it
-      .executor = io.get_executor(),
+      .logger = logger,  // held weakly: no log? Look whether the host still has it
       .transport = backend->transportOptions(),
       .keychain = std::make_shared<ZAK::InMemoryKeychain>(),
       .redactsSecrets = true,  // else a bearer that was rejected stands in the log
   });
+  ZAK::ContentDomain content{tool.client()};
   for (const char* postId : {"post-bob", "post-bob", "post-nobody"}) {
-    boost::asio::co_spawn(io, read(client, postId), [](std::exception_ptr failure) {
-      if (failure) std::rethrow_exception(failure);
-    });
-    io.restart();
-    io.run();
+    try {
+      tool.run(content.post(ZAK::PostId(postId)));
+    } catch (const ZAK::ZAKError&) {  // has been logged
+    }
     backend->expireTokens();  // so that the next call is rejected first
   }
 
