@@ -58,7 +58,8 @@ class ZVAPIKIT_API Emulator {
   [[nodiscard]] int port() const noexcept;
   /// The authority's certificate in PEM form, readable by this user alone; removed with the emulator.
   [[nodiscard]] const std::filesystem::path& caFile() const noexcept;
-  /// Sends a client's requests for the usual hosts here, and makes it trust the certificate.
+  /// Sends a client's requests for the usual hosts here, and makes it trust the certificate. Give the client a keychain
+  /// of its own as well: in the default one its tokens would take the place of the real back-end's.
   [[nodiscard]] TransportOptions transportOptions() const;
 
   /// Makes the authentication servers take the Firebase token as this user's.
