@@ -3,7 +3,7 @@
 # the public headers. One line a step; the last line is "N passed, N failed".
 #   scripts/check.sh            every step
 #   scripts/check.sh STEP ...   these, of:
-steps=(asan clang tsan format tidy words layers headers header-cost header-includes macros fuzz)
+steps=(asan clang tsan format tidy words snippets layers headers header-cost header-includes macros must-not-compile fuzz)
 set -u
 cd "$(dirname "$0")/.." || exit
 
@@ -36,6 +36,9 @@ words() {
   git grep -nIE '(^|[^A-Za-z0-9_.])/(work|farm)/' -- . && found=1
   return $found
 }
+
+# The code in README and guides is compiled elsewhere, and links lead somewhere.
+snippets() { scripts/snippets.py; }
 
 # Which modules may include which, as docs/architecture.md draws it. The composition root alone looks upwards.
 layers() {
@@ -129,6 +132,9 @@ macros() {
   } >"$out/macros.cpp"
   g++ -std=c++20 -fsyntax-only -Wall -Wextra -Werror "${public_includes[@]}" "$out/macros.cpp"
 }
+
+# Mistakes that the public interface refuses.
+must-not-compile() { scripts/must_not_compile.py; }
 
 # Each fuzzer for a while, from its corpus and from what earlier runs here have learnt.
 fuzz() {

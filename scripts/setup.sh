@@ -11,9 +11,9 @@ packages=(
   # tests
   libgtest-dev libgmock-dev nginx-light openssl dbus gnome-keyring
   # the wider checks
-  clang-19 libclang-rt-19-dev clang-format-14 clang-tidy-14
+  clang-19 libclang-rt-19-dev clang-format-14 clang-tidy-14 python3
 )
-[ "${1:-}" != bench ] || packages+=(curl libnginx-mod-http-echo python3 rapidjson-dev valgrind)
+[ "${1:-}" != bench ] || packages+=(curl libnginx-mod-http-echo rapidjson-dev valgrind)
 
 missing=()
 for package in "${packages[@]}"; do
