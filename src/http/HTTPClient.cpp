@@ -101,6 +101,8 @@ class Call {
   HTTPResponse finishedAttempt(TransferResult result) const {
     HTTPResponse response = std::move(result.response);
     response.answerStarted = result.answerStarted;
+    response.metrics.statusCode = response.statusCode;
+    response.metrics.contentType = response.headers.value("Content-Type").value_or(std::string());
     response.metrics.attempt = retries_ + 1;
     response.metrics.redirects = static_cast<int>(result.redirects.size());
     for (const URL& destination : result.redirects) {

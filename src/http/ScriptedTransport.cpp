@@ -66,6 +66,22 @@ ScriptedAnswer::ScriptedAnswer(const HTTPError& error) {
   result.answerStarted = result.response.hasAnswer();
 }
 
+namespace {
+
+std::string pathOf(const TransferRequest& request) {
+  const std::optional<URL> url = URL::parse(request.url);
+  return url ? url->path() : std::string();
+}
+
+ScriptedAnswer tokenAnswer(std::size_t number, std::chrono::seconds lifetime) {
+  const std::string suffix = std::to_string(number) + '"';
+  return ScriptedAnswer(201, R"({"token_type":"bearer","scope":"","access_token":"access-)" + suffix +
+                                 R"(,"refresh_token":"refresh-)" + suffix + R"(,"expires_in":)" +
+                                 std::to_string(lifetime.count()) + "}");
+}
+
+}  // namespace
+
 struct ScriptedTransport::State {
   struct Entry {
     std::optional<HTTPMethod> method;  // absent: any request
@@ -81,6 +97,8 @@ struct ScriptedTransport::State {
   mutable std::mutex mutex;
   std::deque<Entry> script;
   std::vector<TransferRequest> requests;
+  std::optional<std::chrono::seconds> tokenLifetime;  // absent: nobody signs in
+  std::size_t tokens = 0;
 
   void add(Entry entry) {
     const std::scoped_lock lock(mutex);
@@ -89,11 +107,13 @@ struct ScriptedTransport::State {
 
   Entry take(TransferRequest request) {
     const std::scoped_lock lock(mutex);
-    const std::optional<URL> url = URL::parse(request.url);
-    const std::string path = url ? url->path() : std::string();
+    const std::string path = pathOf(request);
     const HTTPMethod method = request.method;
     requests.push_back(std::move(request));
     auto found = std::find_if(script.begin(), script.end(), [&](const Entry& e) { return e.isFor(method, path); });
+    if (found == script.end() && tokenLifetime && method == HTTPMethod::post && path.ends_with("/token")) {
+      return Entry{{}, {}, tokenAnswer(++tokens, *tokenLifetime), {}};
+    }
     if (found == script.end()) {
       found = std::find_if(script.begin(), script.end(), [](const Entry& entry) { return !entry.method; });
     }
@@ -155,6 +175,11 @@ void ScriptedTransport::add(HTTPMethod method, std::string path, ScriptedAnswer 
   state_->add({method, std::move(path), std::move(answer), std::move(hold)});
 }
 
+void ScriptedTransport::signIn(std::chrono::seconds lifetime) {
+  const std::scoped_lock lock(state_->mutex);
+  state_->tokenLifetime = lifetime;
+}
+
 asio::awaitable<TransferResult> ScriptedTransport::perform(TransferRequest request) {
   return State::perform(state_, std::move(request));
 }
@@ -162,6 +187,12 @@ asio::awaitable<TransferResult> ScriptedTransport::perform(TransferRequest reque
 std::vector<TransferRequest> ScriptedTransport::requests() const {
   const std::scoped_lock lock(state_->mutex);
   return state_->requests;
+}
+
+std::vector<TransferRequest> ScriptedTransport::requests(HTTPMethod method, std::string_view path) const {
+  std::vector<TransferRequest> found = requests();
+  std::erase_if(found, [&](const TransferRequest& r) { return r.method != method || !pathOf(r).ends_with(path); });
+  return found;
 }
 
 }  // namespace ZAK

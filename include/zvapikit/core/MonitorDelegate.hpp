@@ -10,6 +10,9 @@ namespace ZAK {
 /// Watches the kit's traffic, on both of its servers and on clients of `MobileApiClient::buildRaw()`. When a request
 /// has finished, `didReceive` is called before `didComplete`.
 ///
+/// One call hands the same `HTTPRequest` object to each operation, so that its address tells calls under way apart. It
+/// holds the kit's token, if any, but not the headers that all requests have in common.
+///
 /// Requests, URLs and bodies may hold tokens: do not log them whole.
 ///
 /// Thread safety: called from any thread that runs the client's executor, for several calls at once. Must not block.
@@ -20,7 +23,7 @@ class MonitorDelegate {
 
   /// Once a call, before its first attempt.
   virtual void didEnqueue(const HTTPRequest& request, const HTTPTransfer& transfer) = 0;
-  /// Once an attempt.
+  /// Once an attempt, at its end.
   virtual void didCollectMetrics(const HTTPRequest& request, const HTTPMetrics& metrics) = 0;
   /// Once a call, at its end; `error` is null when the call succeeded. A cancelled call is not reported.
   virtual void didComplete(const HTTPRequest& request, const HTTPError* error) = 0;

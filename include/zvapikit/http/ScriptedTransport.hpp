@@ -2,9 +2,11 @@
 
 #include <zvapikit/http/Transport.hpp>
 
+#include <chrono>
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace ZAK {
@@ -46,8 +48,11 @@ class ScriptedAnswer {
 /// destination and tells of progress, of each body in one.
 ///
 ///     auto transport = std::make_shared<ScriptedTransport>();
-///     transport->add(ScriptedAnswer(200, R"({"id":"p1"})"));
-///     auto client = HTTPClient::create(transport, URL::parse("https://example.org/api"));
+///     transport->signIn();
+///     transport->add(HTTPMethod::get, "/content/posts/p1", ScriptedAnswer(200, R"({"id":"p1"})"));
+///     auto client = MobileApiClient::create({.executor = io.get_executor(),
+///                                            .keychain = std::make_shared<InMemoryKeychain>(),
+///                                            .testTransport = transport});
 ///
 /// Thread safety: callable from any thread.
 class ScriptedTransport final : public Transport {
@@ -66,12 +71,20 @@ class ScriptedTransport final : public Transport {
   /// The same, held back after the request was recorded.
   void add(HTTPMethod method, std::string path, ScriptedAnswer answer, ScriptedHold hold);
 
+  /// Plays the authentication server, for as long as the transport is used: a request for a token gets the next one of
+  /// `access-1`, `access-2`, ..., each good for `lifetime`. Answers added for the path `/token` go before it, those for
+  /// any request behind. Without it the client's own request for a token takes an answer from the script, or goes
+  /// without one, and the host's request is sent without a token.
+  void signIn(std::chrono::seconds lifetime = std::chrono::hours(1));
+
   /// As in `Transport`. The answer is taken, and the request recorded, when the awaitable begins to run.
   /// \throws std::logic_error when the script holds no answer for the request; the request is recorded all the same.
   boost::asio::awaitable<TransferResult> perform(TransferRequest request) override;
 
-  /// All requests so far, as sent.
+  /// All requests so far, as sent; those for tokens among them.
   [[nodiscard]] std::vector<TransferRequest> requests() const;
+  /// Those of that method whose URL's path ends with `path`.
+  [[nodiscard]] std::vector<TransferRequest> requests(HTTPMethod method, std::string_view path) const;
 
  private:
   struct State;

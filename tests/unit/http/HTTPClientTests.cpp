@@ -87,7 +87,9 @@ const HTTPError lost(HTTPError::Kind::connectionLost, HTTPStatusCode(), "connect
 TEST_F(HTTPClientTest, sendsOnceAndNotifiesOnce) {
   client->headers.set({"User-Agent", "app"});
   client->maxRedirects = 5;
-  ScriptedAnswer answer(200, "body", HTTPHeaders({HTTPHeaders::Element("WWW-Authenticate", "Basic")}));
+  ScriptedAnswer answer(200, "body",
+                        HTTPHeaders({HTTPHeaders::Element("WWW-Authenticate", "Basic"),
+                                     HTTPHeaders::Element::contentType("text/plain")}));
   answer.result.redirects = {*URL::parse("https://two.example/"), *URL::parse("https://three.example/")};
   transport->add(std::move(answer));
   HTTPRequest sent(HTTPMethod::post, "/a/{id}", {{"id", "1"}});
@@ -97,6 +99,8 @@ TEST_F(HTTPClientTest, sendsOnceAndNotifiesOnce) {
   EXPECT_EQ(response.body, "body");
   EXPECT_FALSE(response.error);
   EXPECT_EQ(response.metrics.redirects, 2);
+  EXPECT_EQ(response.metrics.statusCode.code(), 200);
+  EXPECT_EQ(response.metrics.contentType, "text/plain");
   const std::vector<TransferRequest> requests = transport->requests();
   ASSERT_EQ(requests.size(), 1u);
   EXPECT_EQ(requests[0].method, HTTPMethod::post);

@@ -1,7 +1,9 @@
 #include "support/Runner.hpp"
 
+#include <zvapikit/auth/TokenDto.hpp>
 #include <zvapikit/http/ManualClock.hpp>
 #include <zvapikit/http/ScriptedTransport.hpp>
+#include <zvapikit/json/JSONDecoder.hpp>
 
 #include <boost/asio/detached.hpp>
 #include <boost/asio/thread_pool.hpp>
@@ -44,6 +46,27 @@ TEST(ScriptedTransport, servesItsScript) {
   runner.drain();
   EXPECT_EQ(held.result().response.statusCode.code(), 201);
   EXPECT_EQ(transport.requests().size(), 4u);
+}
+
+TEST(ScriptedTransport, signsInBehindTokenAnswersAndBeforeGeneralOnes) {
+  Tests::Runner runner;
+  ScriptedTransport transport;
+  transport.signIn(std::chrono::seconds(90));
+  transport.add(ScriptedAnswer(200, "general"));
+  transport.add(HTTPMethod::post, "/token", ScriptedAnswer(401, "refused"));
+  const auto ask = [&](HTTPMethod method, const std::string& path) {
+    TransferRequest request;
+    request.method = method;
+    request.url = "https://auth.example/main" + path;
+    return runner.run(transport.perform(request)).response.body;
+  };
+  EXPECT_EQ(ask(HTTPMethod::post, "/token?grant_type=firebase"), "refused");
+  for (const std::string number : {"1", "2"}) {
+    const auto token = JSONDecoder().decode<TokenDto>(ask(HTTPMethod::post, "/token"));
+    EXPECT_EQ(token.accessToken, "access-" + number);
+  }
+  EXPECT_EQ(ask(HTTPMethod::get, "/token"), "general");
+  EXPECT_EQ(transport.requests(HTTPMethod::post, "/token").size(), 3u);
 }
 
 TEST(ScriptedTransport, contextMayEndWithCallsHeld) {
