@@ -3,6 +3,7 @@
 #include <zvapikit/core/ZAKError.hpp>
 #include <zvapikit/domains/ProfileDomain.hpp>
 #include <zvapikit/http/ManualClock.hpp>
+#include <zvapikit/keychain/FileKeychain.hpp>
 
 #include <boost/asio/async_result.hpp>
 #include <boost/asio/executor_work_guard.hpp>
@@ -80,15 +81,12 @@ boost::asio::awaitable<void> visit(std::shared_ptr<ZAK::MobileApiClient> client,
   co_await changeUser(client, sdk);
 }
 
-/// What a call costs whose Firebase token is refused, as docs/guide/sign-in.md tells it.
-void refused(const ZAK::EmulatorThread& backend) {
+/// What a call costs whose Firebase token is refused, or that has none to offer, as docs/guide/sign-in.md tells it.
+void refused(const ZAK::EmulatorThread& backend, const std::shared_ptr<ZAK::FirebaseAuthentifier>& authentifier,
+             std::size_t exchanges, std::chrono::seconds atLeast, std::chrono::seconds atMost) {
   boost::asio::io_context io;
-  struct Stale : Alice {
-    boost::asio::awaitable<std::string> idToken() override { co_return "stale"; }
-  };
-  const auto stale = std::make_shared<Stale>();
   const auto clock = std::make_shared<ZAK::ManualClock>(ZAK::ManualClock::autoAdvance);
-  ZAK::Context context = contextFor(backend, io, stale);
+  ZAK::Context context = contextFor(backend, io, authentifier);
   context.clock = clock;
   const auto client = ZAK::MobileApiClient::create(std::move(context));
   const auto start = clock->now();
@@ -99,10 +97,23 @@ void refused(const ZAK::EmulatorThread& backend) {
   } catch (const ZAK::ZAKError&) {
     failed = true;
   }
-  require(failed, "a stale token has signed somebody in");
-  require(backend->counts().of("POST /token") - before == 18, "not three rounds of six");
+  require(failed, "nobody has been signed in");
+  require(backend->counts().of("POST /token") - before == exchanges, "not the exchanges that the guide tells");
   const auto took = clock->now() - start;
-  require(took > std::chrono::seconds(46) && took < std::chrono::seconds(94), "not the time that the guide tells");
+  require(took >= atLeast && took <= atMost, "not the time that the guide tells");
+}
+
+struct Stale : Alice {
+  boost::asio::awaitable<std::string> idToken() override { co_return "stale"; }
+};
+struct Nobody : Alice {
+  boost::asio::awaitable<std::string> idToken() override { throw std::runtime_error("nobody is signed in"); }
+};
+
+void keepApart(ZAK::Context& context) {
+  const ZAK::KeychainSettings settings{.service = "com.example.app", .accessGroup = "com.example.app"};
+  const std::filesystem::path directory = ZAK::FileKeychain::defaultDirectory(settings.service);
+  context.keychain = std::make_shared<ZAK::FileKeychain>(settings, directory);
 }
 
 }  // namespace
@@ -114,5 +125,13 @@ void signIn() {
   const auto firebase = std::make_shared<Firebase>(sdk);
   const auto client = ZAK::MobileApiClient::create(contextFor(backend, io, firebase));
   run(io, visit(client, &sdk));
-  refused(backend);
+  ZAK::Context context;
+  keepApart(context);
+  require(context.keychain->settings().service == "com.example.app", "not the host's own");
+  using std::chrono::seconds;
+  const auto nobody = std::make_shared<Nobody>();
+  refused(backend, nobody, 0, seconds(0), seconds(1));
+  refused(backend, nullptr, 18, seconds(46), seconds(94));
+  const auto stale = std::make_shared<Stale>();
+  refused(backend, stale, 18, seconds(46), seconds(94));
 }

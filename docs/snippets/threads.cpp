@@ -51,19 +51,16 @@ boost::asio::awaitable<void> safeForms(std::shared_ptr<ZAK::MobileApiClient> cli
                                        std::optional<ZAK::CursorDto> known) {
   ZAK::ContentDomain content{client};
   ZAK::FeedsDomain feeds{client};
+  const ZAK::PostCommentDto comment = co_await content.addComment("hi", ZAK::PostId("post-bob"), ZAK::UserId("bob"));
 
-  // A braced list: name it.
-  const std::vector<std::string> comments = {"c1", "c2"};
+  const std::vector<std::string> comments = {comment.id};
   co_await content.deleteComments(comments, ZAK::PostId("post-bob"), ZAK::UserId("bob"));
 
-  // A choice: name it.
   const ZAK::CursorDto cursor = known ? *known : ZAK::CursorDto::start();
   const auto page = co_await feeds.fetchFof(cursor);
 
-  // A context, or any aggregate that owns memory: name it, and hand it over.
-  // A condition in a template: name the result.
-  const auto friends = co_await feeds.fetchFriends();
-  if (friends.empty()) co_return;
+  const auto posts = co_await feeds.fetchFriends();
+  if (posts.empty()) co_return;
   require(!page.data.empty(), "nobody has posted");
 }
 
