@@ -1,6 +1,7 @@
 // How a host tests itself without a network: a screen of the host's and its tests, with a scripted transport, a clock
 // moved by hand and a keychain in memory; the last one with the emulator. Plain checks stand for a test framework.
 
+#include <zvapikit/core/BlockingClient.hpp>
 #include <zvapikit/core/Context.hpp>
 #include <zvapikit/core/FirebaseAuthentifier.hpp>
 #include <zvapikit/core/MobileApiClient.hpp>
@@ -128,27 +129,22 @@ void leavingCancels() {
 
 // The same screen before a whole back-end, over TLS: slower, but nothing of the server's has to be written down.
 void worksWithABackend() {
-  ZAK::EmulatorThread backend;
-  backend->inject({.path = "/feeds/friends", .answer = ZAK::EmulatorResponse{503}});
-  asio::io_context io;
   struct Firebase : ZAK::FirebaseAuthentifier {
     asio::awaitable<std::string> idToken() override { co_return "firebase-alice"; }
     void signOut() noexcept override {}
   };
   const auto firebase = std::make_shared<Firebase>();
-  const auto client = ZAK::MobileApiClient::create({.authentifier = firebase,
-                                                    .executor = io.get_executor(),
-                                                    .transport = backend->transportOptions(),
-                                                    .keychain = std::make_shared<ZAK::InMemoryKeychain>()});
-  FeedScreen screen{ZAK::FeedsDomain(client)};
-  for (const char* notice : {"HTTP 503 Service Unavailable", ""}) {
-    asio::co_spawn(io, screen.reload(), [](const std::exception_ptr&) {});
-    io.restart();
-    io.run();
-    check(screen.notice == notice, "the emulator fails when told to, and only then");
-  }
-  check(screen.posts.size() == 2 && backend->counts().faults == 1, "Alice sees her two friends");
-  check(backend->counts().of("GET /feeds/friends") == 2, "and asked twice");
+  ZAK::EmulatorThread backend;
+  backend->inject({.path = "/feeds/friends", .answer = ZAK::EmulatorResponse{503}});
+  ZAK::BlockingClient app({.authentifier = firebase,
+                           .transport = backend->transportOptions(),
+                           .keychain = std::make_shared<ZAK::InMemoryKeychain>()});
+  FeedScreen screen{ZAK::FeedsDomain(app.client())};
+  app.run(screen.reload());
+  check(screen.notice == "HTTP 503 Service Unavailable", "the back-end fails when told to");
+  app.run(screen.reload());
+  check(screen.notice.empty() && screen.posts.size() == 2, "Alice sees her two friends");
+  check(backend->counts().of("GET /feeds/friends") == 2 && backend->counts().faults == 1, "and asked twice");
 }
 
 }  // namespace

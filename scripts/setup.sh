@@ -10,6 +10,8 @@ packages=(
   zlib1g-dev tzdata libcli11-dev libsecret-1-dev
   # tests
   libgtest-dev libgmock-dev nginx-light openssl dbus gnome-keyring
+  # examples
+  libspdlog-dev
   # the wider checks
   clang-19 libclang-rt-19-dev clang-format-14 clang-tidy-14 python3
 )

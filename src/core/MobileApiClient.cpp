@@ -9,6 +9,7 @@
 #include "core/HeadersFactory.hpp"
 #include "core/MobileApiRequestExecutor.hpp"
 #include "http/Cancellation.hpp"
+#include "http/ContextStrand.hpp"
 #include "http/FileDownloads.hpp"
 
 #include <zvapikit/core/Context.hpp>
@@ -17,6 +18,8 @@
 #include <zvapikit/http/CurlTransport.hpp>
 #include <zvapikit/http/HTTPClient.hpp>
 #include <zvapikit/keychain/KeychainFactory.hpp>
+
+#include <boost/asio/dispatch.hpp>
 
 #include <mutex>
 #include <stdexcept>
@@ -54,6 +57,7 @@ struct MobileApiClient::Parts {
   std::shared_ptr<MobileApiAuthentifier> authentifier;
   std::shared_ptr<ClientMonitor> monitor;
   std::shared_ptr<RequestExecutor> regularExecutor;
+  std::shared_ptr<ContextStrand> spawnStrand;
   DelegateReference<LoggerDelegate> logger;
   std::mutex loggerMutex = {};
 
@@ -79,6 +83,7 @@ std::unique_ptr<MobileApiClient::Parts> MobileApiClient::Parts::build(Context co
   parts->configuration = context.configuration;
   parts->deviceInfo = context.deviceInfo;
   parts->directories = context.directories.resolved(context.bundle);
+  parts->spawnStrand = ContextStrand::create(context.executor);
   parts->logger = context.logger;
   parts->clock = context.clock ? context.clock : Clock::system();
   parts->transport =
@@ -147,8 +152,26 @@ boost::asio::awaitable<HTTPResponse> MobileApiClient::download(HTTPRequest reque
   return parts_->downloads->fetch(buildRaw(), std::move(request));
 }
 
+std::shared_ptr<MobileApiClient> MobileApiClient::shared() {
+  return std::static_pointer_cast<MobileApiClient>(shared_from_this());
+}
+
+boost::asio::any_io_executor MobileApiClient::spawnExecutor() const { return parts_->spawnStrand->executor(); }
+
+void MobileApiClient::SpawnCancellation::operator()(boost::asio::cancellation_type type) const {
+  const auto running = client.lock();
+  if (!running) return;  // and so nothing is under way
+  try {
+    boost::asio::dispatch(running->spawnExecutor(), [signal = operation, type] {
+      if (const auto call = signal.lock()) call->emit(type);
+    });
+  } catch (const boost::system::system_error&) {
+    // The context has ended, and the operation with it.
+  }
+}
+
 boost::asio::awaitable<void> MobileApiClient::send(HTTPRequest request, Route route, DecodeTarget target) {
-  return sendKeeping(std::static_pointer_cast<MobileApiClient>(shared_from_this()), std::move(request), route, target);
+  return sendKeeping(shared(), std::move(request), route, target);
 }
 
 boost::asio::awaitable<void> MobileApiClient::sendKeeping(std::shared_ptr<MobileApiClient> self, HTTPRequest request,
@@ -167,13 +190,9 @@ boost::asio::awaitable<void> MobileApiClient::sendKeeping(std::shared_ptr<Mobile
   co_await executor->execute(std::move(request), target);
 }
 
-boost::asio::awaitable<void> MobileApiClient::clear() {
-  return clearKeeping(std::static_pointer_cast<MobileApiClient>(shared_from_this()), false);
-}
+boost::asio::awaitable<void> MobileApiClient::clear() { return clearKeeping(shared(), false); }
 
-boost::asio::awaitable<void> MobileApiClient::logout() {
-  return clearKeeping(std::static_pointer_cast<MobileApiClient>(shared_from_this()), true);
-}
+boost::asio::awaitable<void> MobileApiClient::logout() { return clearKeeping(shared(), true); }
 
 boost::asio::awaitable<void> MobileApiClient::clearKeeping(std::shared_ptr<MobileApiClient> self, bool signsOut) {
   co_await acceptAllCancellation();

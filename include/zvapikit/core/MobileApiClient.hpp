@@ -1,10 +1,19 @@
 #pragma once
 
 #include <zvapikit/core/Client.hpp>
+#include <zvapikit/core/SpawnHandler.hpp>
 #include <zvapikit/http/HTTPResponse.hpp>
 #include <zvapikit/platform/Directories.hpp>
 
+#include <boost/asio/associated_cancellation_slot.hpp>
+#include <boost/asio/async_result.hpp>
+#include <boost/asio/cancellation_state.hpp>
+#include <boost/asio/co_spawn.hpp>
+#include <boost/asio/this_coro.hpp>
+
 #include <memory>
+#include <type_traits>
+#include <utility>
 
 namespace ZAK {
 
@@ -37,6 +46,42 @@ class MobileApiClient final : public Client {
   /// The context's directories, each with its default where the context named none.
   [[nodiscard]] const Directories& directories() const noexcept;
 
+  /// Starts an operation, of an endpoint group or any coroutine of the host's own, for hosts that do not `co_await`:
+  ///
+  ///     client->spawn(feeds.fetchFriends(), [](ZAK::Outcome<std::vector<ZAK::LegacyPostDto>> posts) { ... });
+  ///     std::future<ZAK::DiscoveryDto> discovery = client->spawn(feeds.fetchDiscovery(), boost::asio::use_future);
+  ///
+  /// A callback takes one `Outcome` and returns nothing. Any other completion token (`use_future`, `detached`,
+  /// `deferred`, ...) works as with `boost::asio::co_spawn`; the result must then be default constructible. The
+  /// operation keeps the client until it has ended.
+  ///
+  /// Operations and callbacks run on the context's executor, those of one client one at a time, so a callback must not
+  /// block; `bind_executor` takes it elsewhere. What it throws leaves the `run()` of that executor's context. When that
+  /// context ends before the operation does, the callback is destroyed without being called.
+  ///
+  /// `bind_cancellation_slot(signal.slot(), callback)` lets `signal.emit(type)` cancel the operation, at any time and
+  /// from any thread, with every cancellation type. The signal may outlive the client and the context.
+  ///
+  /// Callable from any thread.
+  /// \throws boost::system::system_error of `operation_aborted` when the executor's context has ended.
+  template <class T, class Token>
+  auto spawn(boost::asio::awaitable<T> operation, Token&& token) {
+    constexpr bool isCallback = detail::OutcomeCallback<Token, T>;
+    return boost::asio::async_initiate<Token, typename detail::SpawnSignature<T, isCallback>::type>(
+        [self = shared()](auto&& handler, boost::asio::awaitable<T> call) {
+          using Handler = std::decay_t<decltype(handler)>;
+          const auto cancellation = std::make_shared<boost::asio::cancellation_signal>();
+          if (auto slot = boost::asio::get_associated_cancellation_slot(handler); slot.is_connected()) {
+            slot.assign(SpawnCancellation{self, cancellation});
+          }
+          const auto executor = self->spawnExecutor();
+          boost::asio::co_spawn(executor, keptAlive(self, std::move(call)),
+                                detail::SpawnHandler<T, isCallback, Handler>(std::forward<decltype(handler)>(handler),
+                                                                             executor, cancellation));
+        },
+        token, std::move(operation));
+  }
+
   /// Forgets the token, in memory and in the keychain. A token exchange that is under way is not cancelled, but what
   /// it brings is dropped. Sends nothing; fails only by cancellation.
   boost::asio::awaitable<void> clear();
@@ -56,6 +101,30 @@ class MobileApiClient final : public Client {
   boost::asio::awaitable<HTTPResponse> download(HTTPRequest request);
 
  private:
+  /// Takes a cancellation to where its operation runs. Holds nothing that must not outlive the execution context.
+  struct SpawnCancellation {
+    std::weak_ptr<MobileApiClient> client;
+    std::weak_ptr<boost::asio::cancellation_signal> operation;
+
+    void operator()(boost::asio::cancellation_type type) const;
+  };
+
+  [[nodiscard]] std::shared_ptr<MobileApiClient> shared();
+  /// A strand over the context's executor.
+  [[nodiscard]] boost::asio::any_io_executor spawnExecutor() const;
+  template <class T>
+  static boost::asio::awaitable<detail::Spawned<T>> keptAlive([[maybe_unused]] std::shared_ptr<MobileApiClient> self,
+                                                              boost::asio::awaitable<T> operation) {
+    co_await boost::asio::this_coro::reset_cancellation_state(boost::asio::enable_total_cancellation());
+    if constexpr (std::is_void_v<T>) {
+      co_await std::move(operation);
+      co_return std::monostate();
+    } else {
+      T value = co_await std::move(operation);
+      co_return detail::Spawned<T>(std::move(value));
+    }
+  }
+
   boost::asio::awaitable<void> send(HTTPRequest request, Route route, DecodeTarget target) override;
   static boost::asio::awaitable<void> sendKeeping(std::shared_ptr<MobileApiClient> self, HTTPRequest request,
                                                   Route route, DecodeTarget target);
