@@ -8,7 +8,7 @@ find_package(nlohmann_json REQUIRED)
 find_package(date REQUIRED)
 find_package(ZLIB REQUIRED)
 find_package(PkgConfig REQUIRED)
-pkg_check_modules(LIBSECRET REQUIRED IMPORTED_TARGET libsecret-1>=0.20)
+pkg_check_modules(ZVAPIKIT_LIBSECRET REQUIRED IMPORTED_TARGET libsecret-1>=0.20)
 
 # Used where present, and only for our own builds: a host chooses its launcher itself.
 if(PROJECT_IS_TOP_LEVEL AND NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
@@ -26,11 +26,21 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LES
   # When it optimises it sees overlaps in `"text" + std::string` that are not there (GCC bug 105651).
   target_compile_options(zvapikit_settings INTERFACE $<$<NOT:$<CONFIG:Debug>>:-Wno-restrict>)
 endif()
-if(PROJECT_IS_TOP_LEVEL)
-  target_compile_options(zvapikit_settings INTERFACE -Werror) # a host's newer compiler may know more warnings
-endif()
 if(ZVAPIKIT_SANITIZE)
   target_compile_options(zvapikit_settings INTERFACE -fsanitize=${ZVAPIKIT_SANITIZE} -fno-omit-frame-pointer
                                                      -fno-sanitize-recover=all)
   target_link_options(zvapikit_settings INTERFACE -fsanitize=${ZVAPIKIT_SANITIZE})
 endif()
+
+# Objects are the same for a static and a shared library: position-independent, and only what ZVAPIKIT_API marks is seen.
+function(zvapikit_library target)
+  set_target_properties(
+    ${target}
+    PROPERTIES CXX_VISIBILITY_PRESET hidden
+               VISIBILITY_INLINES_HIDDEN ON
+               POSITION_INDEPENDENT_CODE ON
+               DEFINE_SYMBOL ""
+               VERSION ${PROJECT_VERSION}
+               SOVERSION ${PROJECT_VERSION_MAJOR}
+               INSTALL_RPATH "$ORIGIN")
+endfunction()

@@ -52,6 +52,7 @@ layers() {
         allowed["auth"] = allowed["core"] "core "
         allowed["domains"] = allowed["model"] "model auth "
       }
+      /<zvapikit\/Export.hpp>/ { next }
       {
         from = $1 == "include" ? $3 : $2
         match($0, /#include [<"]/)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/json/Date.hpp>
 #include <zvapikit/json/JSONValue.hpp>
 #include <zvapikit/json/JSONWriter.hpp>
@@ -14,7 +15,7 @@ namespace ZAK {
 ///
 /// Read from `expires_date` or, where that is missing, from `expires_in` seconds after the decoder's `now`; always
 /// written with `expires_date`, and with `firebase_token` as null when there is none.
-struct TokenDto {
+struct ZVAPIKIT_API TokenDto {
   TokenDto() = default;
   TokenDto(std::string tokenType_, std::string accessToken_, Date expiresDate_, std::string refreshToken_,
            std::string scope_, std::optional<std::string> firebaseToken_)

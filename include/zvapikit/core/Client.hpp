@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/Configuration.hpp>
 #include <zvapikit/core/DelegateReference.hpp>
 #include <zvapikit/core/DeviceInfo.hpp>
@@ -21,7 +22,7 @@ class LoggerDelegate;
 /// leaves the awaiting coroutine open to every cancellation type (`enable_total_cancellation`).
 ///
 /// Thread safety: any number of calls at once, from any thread.
-class Client : public std::enable_shared_from_this<Client> {
+class ZVAPIKIT_API Client : public std::enable_shared_from_this<Client> {
  public:
   virtual ~Client() = default;
 

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
+
 namespace ZAK {
 
 /// Marks endpoint groups.
-class Domain {
+class ZVAPIKIT_API Domain {
  public:
   virtual ~Domain() = default;
 };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
+#include <zvapikit/json/JSONType.hpp>
 #include <zvapikit/json/JSONValue.hpp>
 #include <zvapikit/json/JSONWriter.hpp>
 
@@ -14,5 +16,16 @@ struct EmptyDto {
     writer.endObject();
   }
 };
+
+namespace detail {
+
+/// "Nothing is to be decoded" is told by this address, so library and host must share one object, whatever they are
+/// linked as.
+template <>
+struct JSONTypeOf<EmptyDto> {
+  ZVAPIKIT_API static const JSONType value;
+};
+
+}  // namespace detail
 
 }  // namespace ZAK

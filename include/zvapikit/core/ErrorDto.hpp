@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/json/JSONValue.hpp>
 
 #include <array>
@@ -48,7 +49,7 @@ struct RawValues<ErrorKey> {
 };
 
 /// What the server says about a call that it refused.
-struct ErrorDto : std::exception {
+struct ZVAPIKIT_API ErrorDto : std::exception {
   using Key = ErrorKey;
 
   ErrorDto() : ErrorDto({}, 0, {}, {}, {}, {}) {}

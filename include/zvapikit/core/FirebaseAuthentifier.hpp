@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
+
 #include <boost/asio/awaitable.hpp>
 
 #include <string>
@@ -13,7 +15,7 @@ namespace ZAK {
 ///
 /// Thread safety: called from any thread that runs the client's executor. A client asks again while it still waits only
 /// after a `clear()` or `logout()`, whose abandoned exchange runs on.
-class FirebaseAuthentifier {
+class ZVAPIKIT_API FirebaseAuthentifier {
  public:
   virtual ~FirebaseAuthentifier() = default;
 

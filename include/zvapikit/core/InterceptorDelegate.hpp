@@ -1,9 +1,11 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
+
 namespace ZAK {
 
 /// Carried by the `Context` for the host's own use. The kit calls nothing on it.
-class InterceptorDelegate {
+class ZVAPIKIT_API InterceptorDelegate {
  public:
   virtual ~InterceptorDelegate() = default;
 };

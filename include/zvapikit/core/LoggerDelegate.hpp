@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
+
 #include <exception>
 #include <optional>
 #include <string_view>
@@ -10,7 +12,7 @@ namespace ZAK {
 ///
 /// Thread safety: called from any thread that runs the client's executor, for several calls at once. Must not block.
 /// What it throws is swallowed.
-class LoggerDelegate {
+class ZVAPIKIT_API LoggerDelegate {
  public:
   virtual ~LoggerDelegate() = default;
 

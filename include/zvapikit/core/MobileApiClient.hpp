@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/Client.hpp>
 #include <zvapikit/core/SpawnHandler.hpp>
 #include <zvapikit/http/HTTPResponse.hpp>
@@ -25,7 +26,7 @@ class HTTPClient;
 /// flight finish.
 ///
 /// Thread safety: all operations may be called from any thread, any number at once.
-class MobileApiClient final : public Client {
+class ZVAPIKIT_API MobileApiClient final : public Client {
   struct Parts;
 
  public:

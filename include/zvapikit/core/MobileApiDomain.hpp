@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/Configuration.hpp>
 #include <zvapikit/core/Domain.hpp>
 #include <zvapikit/platform/Directories.hpp>
@@ -22,7 +23,7 @@ class MobileApiClient;
 /// when the awaitable is awaited, never by the call itself. See `Client` for executors, cancellation and errors.
 ///
 /// Thread safety: operations may be called from any thread, any number at once.
-class MobileApiDomain : public Domain {
+class ZVAPIKIT_API MobileApiDomain : public Domain {
  public:
   /// \throws std::invalid_argument when `client` is null.
   explicit MobileApiDomain(const std::shared_ptr<MobileApiClient>& client);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/http/HTTPClientDelegate.hpp>
 
 #include <optional>
@@ -17,7 +18,7 @@ namespace ZAK {
 ///
 /// Thread safety: called from any thread that runs the client's executor, for several calls at once. Must not block.
 /// What it throws is swallowed.
-class MonitorDelegate {
+class ZVAPIKIT_API MonitorDelegate {
  public:
   virtual ~MonitorDelegate() = default;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/CollectionDto.hpp>
 
 #include <boost/asio/awaitable.hpp>
@@ -18,7 +19,7 @@
 namespace ZAK {
 
 /// A list's next page was said to be one that has been read before: reading on would never end.
-struct RepeatedCursorError : std::runtime_error {
+struct ZVAPIKIT_API RepeatedCursorError : std::runtime_error {
   explicit RepeatedCursorError(std::string index_)
       : std::runtime_error("the list leads back to its page \"" + index_ + "\""), index(std::move(index_)) {}
 

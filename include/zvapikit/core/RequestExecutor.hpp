@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/http/HTTPRequest.hpp>
 #include <zvapikit/json/JSONType.hpp>
 
@@ -22,7 +23,7 @@ struct DecodeTarget {
 /// Turns one prepared request into a decoded record, and every failure into an error of the kit.
 ///
 /// Thread safety: any number of calls at once, from any thread.
-class RequestExecutor {
+class ZVAPIKIT_API RequestExecutor {
  public:
   virtual ~RequestExecutor() = default;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/Configuration.hpp>
 
 #include <string>
@@ -7,7 +8,7 @@
 namespace ZAK {
 
 /// The base URLs of the back-end. The defaults are compiled in (see the deployment settings of the build).
-struct Servers {
+struct ZVAPIKIT_API Servers {
   std::string mobileProduction = compiledIn().mobileProduction;
   std::string mobileSandbox = compiledIn().mobileSandbox;
   std::string authProduction = compiledIn().authProduction;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/ErrorDto.hpp>
 #include <zvapikit/http/HTTPError.hpp>
 
@@ -14,7 +15,7 @@ namespace ZAK {
 /// `EncodingError` when an argument has no JSON form, and whatever the host's own objects throw.
 ///
 /// Thread safety: immutable; copies share their contents.
-class ZAKError : public std::exception {
+class ZVAPIKIT_API ZAKError : public std::exception {
  public:
   enum Case {
     apiError,   ///< the server described the failure: `errorDto()`

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/MobileApiDomain.hpp>
 #include <zvapikit/model/AnalyticsEventDto.hpp>
 
@@ -10,7 +11,7 @@
 namespace ZAK {
 
 /// Analytics. Executors, lifetimes, cancellation and errors are those of `MobileApiDomain` and `Client`.
-class AnalyticsDomain : public MobileApiDomain {
+class ZVAPIKIT_API AnalyticsDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;
 

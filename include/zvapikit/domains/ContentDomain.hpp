@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/MobileApiDomain.hpp>
 #include <zvapikit/model/CreatePostDto.hpp>
 #include <zvapikit/model/Identifiers.hpp>
@@ -19,7 +20,7 @@ namespace ZAK {
 ///
 /// An operation that the server may have carried out although the call failed (a lost connection, a cancellation) is
 /// safe to repeat where it says so.
-class ContentDomain : public MobileApiDomain {
+class ZVAPIKIT_API ContentDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;
 

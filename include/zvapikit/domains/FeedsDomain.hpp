@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/CollectionDto.hpp>
 #include <zvapikit/core/MobileApiDomain.hpp>
 #include <zvapikit/model/DiscoveryDto.hpp>
@@ -16,7 +17,7 @@ namespace ZAK {
 
 /// The three feeds of posts. Every operation reads as the signed-in user and is safe to repeat. Executors, lifetimes,
 /// cancellation and errors are those of `MobileApiDomain` and `Client`.
-class FeedsDomain : public MobileApiDomain {
+class ZVAPIKIT_API FeedsDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;
 

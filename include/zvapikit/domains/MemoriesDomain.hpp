@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/MobileApiDomain.hpp>
 #include <zvapikit/http/HTTPProgress.hpp>
 #include <zvapikit/json/URL.hpp>
@@ -21,7 +22,7 @@ namespace ZAK {
 ///
 /// Downloaded videos are kept as files below "memories/" of `directories().documents`, and nowhere else is it noted
 /// which there are. A file of up to 20480 bytes counts as a broken download, so as none.
-class MemoriesDomain : public MobileApiDomain {
+class ZVAPIKIT_API MemoriesDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/CollectionDto.hpp>
 #include <zvapikit/core/MobileApiDomain.hpp>
 #include <zvapikit/model/BlockedUserDto.hpp>
@@ -13,7 +14,7 @@ namespace ZAK {
 
 /// The users whom the user has blocked. Every operation is safe to repeat. Executors, lifetimes, cancellation and
 /// errors are those of `MobileApiDomain` and `Client`.
-class ModerationBlockDomain : public MobileApiDomain {
+class ZVAPIKIT_API ModerationBlockDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;
 

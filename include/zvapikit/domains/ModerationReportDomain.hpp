@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/MobileApiDomain.hpp>
 #include <zvapikit/model/Identifiers.hpp>
 #include <zvapikit/model/ReportPostReasonDto.hpp>
@@ -14,7 +15,7 @@ namespace ZAK {
 
 /// Reports to the moderators. Each call makes a report: repeated after a lost answer it may make a second one.
 /// Executors, lifetimes, cancellation and errors are those of `MobileApiDomain` and `Client`.
-class ModerationReportDomain : public MobileApiDomain {
+class ZVAPIKIT_API ModerationReportDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;
 

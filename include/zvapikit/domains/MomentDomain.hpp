@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/MobileApiDomain.hpp>
 #include <zvapikit/model/MomentDto.hpp>
 #include <zvapikit/model/RegionCodeDto.hpp>
@@ -10,7 +11,7 @@ namespace ZAK {
 
 /// The moments in which everybody posts. Executors, lifetimes, cancellation and errors are those of `MobileApiDomain`
 /// and `Client`.
-class MomentDomain : public MobileApiDomain {
+class ZVAPIKIT_API MomentDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;
 

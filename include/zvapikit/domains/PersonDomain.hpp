@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/CollectionDto.hpp>
 #include <zvapikit/core/MobileApiDomain.hpp>
 #include <zvapikit/model/Identifiers.hpp>
@@ -13,7 +14,7 @@ namespace ZAK {
 
 /// Other users. Every operation reads as the signed-in user and is safe to repeat. Executors, lifetimes, cancellation
 /// and errors are those of `MobileApiDomain` and `Client`.
-class PersonDomain : public MobileApiDomain {
+class ZVAPIKIT_API PersonDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/MobileApiDomain.hpp>
 #include <zvapikit/http/HTTPProgress.hpp>
 #include <zvapikit/model/ProfileDto.hpp>
@@ -17,7 +18,7 @@ namespace ZAK {
 /// The user's own profile. Every operation yields the profile as it is afterwards, and is safe to repeat unless it says
 /// otherwise. Executors, lifetimes, cancellation and errors are those of `MobileApiDomain` and `Client`; only what an
 /// operation adds to them is told here.
-class ProfileDomain : public MobileApiDomain {
+class ZVAPIKIT_API ProfileDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/MobileApiDomain.hpp>
 #include <zvapikit/model/RegionDto.hpp>
 
@@ -13,7 +14,7 @@ namespace ZAK {
 
 /// The regions of the world, each with its own moments. Executors, lifetimes, cancellation and errors are those of
 /// `MobileApiDomain` and `Client`.
-class RegionsDomain : public MobileApiDomain {
+class ZVAPIKIT_API RegionsDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;
 

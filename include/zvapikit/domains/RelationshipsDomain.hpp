@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/CollectionDto.hpp>
 #include <zvapikit/core/MobileApiDomain.hpp>
 #include <zvapikit/model/Identifiers.hpp>
@@ -18,7 +19,7 @@ namespace ZAK {
 /// page, the first without a cursor (see `pages` for reading them all). Executors, lifetimes, cancellation and errors
 /// are those of `MobileApiDomain` and `Client`; only what an operation adds to them is told here. Everything is safe to
 /// repeat: what is done already is refused by the server, and stays done.
-class RelationshipsDomain : public MobileApiDomain {
+class ZVAPIKIT_API RelationshipsDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/CollectionDto.hpp>
 #include <zvapikit/core/MobileApiDomain.hpp>
 #include <zvapikit/model/SearchPersonDto.hpp>
@@ -12,7 +13,7 @@
 namespace ZAK {
 
 /// The search for users. Executors, lifetimes, cancellation and errors are those of `MobileApiDomain` and `Client`.
-class SearchDomain : public MobileApiDomain {
+class ZVAPIKIT_API SearchDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/MobileApiDomain.hpp>
 #include <zvapikit/model/AppSettingsDto.hpp>
 #include <zvapikit/model/PushSettingsDto.hpp>
@@ -10,7 +11,7 @@ namespace ZAK {
 
 /// The settings of the app and of its push notifications. Every operation is safe to repeat. Executors, lifetimes,
 /// cancellation and errors are those of `MobileApiDomain` and `Client`.
-class SettingsDomain : public MobileApiDomain {
+class ZVAPIKIT_API SettingsDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;
 

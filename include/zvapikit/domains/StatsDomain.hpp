@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/MobileApiDomain.hpp>
 #include <zvapikit/model/StatsRecapDto.hpp>
 
@@ -11,7 +12,7 @@
 namespace ZAK {
 
 /// The user's statistics. Executors, lifetimes, cancellation and errors are those of `MobileApiDomain` and `Client`.
-class StatsDomain : public MobileApiDomain {
+class ZVAPIKIT_API StatsDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;
 

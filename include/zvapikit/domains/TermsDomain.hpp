@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/CollectionDto.hpp>
 #include <zvapikit/core/MobileApiDomain.hpp>
 #include <zvapikit/model/TermDto.hpp>
@@ -10,7 +11,7 @@ namespace ZAK {
 
 /// The terms and consents that the user accepts or declines. Every operation is safe to repeat. Executors, lifetimes,
 /// cancellation and errors are those of `MobileApiDomain` and `Client`.
-class TermsDomain : public MobileApiDomain {
+class ZVAPIKIT_API TermsDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/core/CollectionDto.hpp>
 #include <zvapikit/core/MobileApiDomain.hpp>
 #include <zvapikit/http/HTTPProgress.hpp>
@@ -15,7 +16,7 @@ namespace ZAK {
 /// Uploads of pictures, in three steps: ask for a signed URL, upload to it, then name the file's bucket and path in the
 /// operation that it is for. Every picture is a JPEG. Executors, lifetimes, cancellation and errors are those of
 /// `MobileApiDomain` and `Client`; only what an operation adds to them is told here.
-class UploadDomain : public MobileApiDomain {
+class ZVAPIKIT_API UploadDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;
 

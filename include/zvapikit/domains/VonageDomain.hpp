@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/auth/VonageDto.hpp>
 #include <zvapikit/core/MobileApiDomain.hpp>
 
@@ -12,7 +13,7 @@ namespace ZAK {
 /// Verifies the user's phone number with a code that Vonage's verification service sends to it. Both operations go to
 /// the authentication server, without a token: they serve to sign in. An answer whose status is not `success` is a
 /// result like any other. Executors, lifetimes, cancellation and errors are those of `MobileApiDomain` and `Client`.
-class VonageDomain : public MobileApiDomain {
+class ZVAPIKIT_API VonageDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;
 

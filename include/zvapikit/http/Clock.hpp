@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/json/Date.hpp>
 
 #include <boost/asio/awaitable.hpp>
@@ -12,7 +13,7 @@ namespace ZAK {
 /// The kit's source of time: the instant now, and waiting. Hosts' tests replace it by a `ManualClock`.
 ///
 /// Thread safety: callable from any thread.
-class Clock {
+class ZVAPIKIT_API Clock {
  public:
   virtual ~Clock() = default;
 

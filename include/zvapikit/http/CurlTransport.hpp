@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/http/Transport.hpp>
 #include <zvapikit/http/TransportOptions.hpp>
 
@@ -27,7 +28,7 @@ namespace ZAK {
 /// Redirects: followed for GET and HEAD only and to https only; for any other method, and when `maxRedirects` is 0, a
 /// 3xx is an answer. A redirect to another scheme, host or port carries none of the request's headers, and nor does
 /// what follows it.
-class CurlTransport {
+class ZVAPIKIT_API CurlTransport {
  public:
   /// \throws std::invalid_argument when the executor is empty.
   [[nodiscard]] static std::shared_ptr<Transport> create(boost::asio::any_io_executor executor,

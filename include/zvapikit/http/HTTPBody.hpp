@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/http/MIMEType.hpp>
 #include <zvapikit/json/JSONEncoder.hpp>
 
@@ -16,7 +17,7 @@ namespace ZAK {
 class HTTPBodyPart;
 
 /// The body of a request with its media type. Copies share the bytes, and files are read while they are sent.
-class HTTPBody {
+class ZVAPIKIT_API HTTPBody {
  public:
   /// A stretch of a body: bytes in memory, or the whole of a file.
   struct Piece {

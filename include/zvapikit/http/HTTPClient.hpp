@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/http/Clock.hpp>
 #include <zvapikit/http/HTTPClientDelegate.hpp>
 #include <zvapikit/http/HTTPValidator.hpp>
@@ -17,7 +18,7 @@ namespace ZAK {
 /// attempt's end, and sends again where they ask for it.
 ///
 /// Thread safety: set up first, then use from any thread; the public members must not change while calls run.
-class HTTPClient : public std::enable_shared_from_this<HTTPClient> {
+class ZVAPIKIT_API HTTPClient : public std::enable_shared_from_this<HTTPClient> {
   struct Private {
     explicit Private() = default;
   };

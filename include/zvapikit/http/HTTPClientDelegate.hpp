@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/http/HTTPRequest.hpp>
 #include <zvapikit/http/HTTPResponse.hpp>
 #include <zvapikit/json/URL.hpp>
@@ -10,7 +11,7 @@
 namespace ZAK {
 
 /// The network side of one call: what is really asked, and a number to tell calls apart.
-class HTTPTransfer {
+class ZVAPIKIT_API HTTPTransfer {
  public:
   HTTPTransfer(std::uint64_t identifier, URL url) : identifier_(identifier), url_(std::move(url)) {}
 
@@ -28,7 +29,7 @@ class HTTPTransfer {
 ///
 /// Thread safety: called from any thread that runs the client's executor, for several calls at once. Must not block.
 /// An exception is swallowed.
-class HTTPClientDelegate {
+class ZVAPIKIT_API HTTPClientDelegate {
  public:
   virtual ~HTTPClientDelegate() = default;
 

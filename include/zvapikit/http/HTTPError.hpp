@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/http/HTTPStatusCode.hpp>
 
 #include <exception>
@@ -13,7 +14,7 @@ namespace ZAK {
 /// A cancelled call does not fail with this but with `boost::system::system_error` of `operation_aborted`.
 ///
 /// Thread safety: immutable; copies share the text.
-class HTTPError : public std::exception {
+class ZVAPIKIT_API HTTPError : public std::exception {
  public:
   enum class Kind {
     status,                  ///< an answer came, with a status outside 2xx

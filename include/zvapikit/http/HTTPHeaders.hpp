@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,7 +12,7 @@ namespace ZAK {
 /// An ordered list of header fields. Names compare without regard to case (RFC 9110); a name stands once.
 ///
 /// Thread safety: as a standard container.
-class HTTPHeaders {
+class ZVAPIKIT_API HTTPHeaders {
  public:
   /// One field: a name and a value, which may be empty and is then sent empty.
   struct Element {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
+
 #include <string_view>
 
 namespace ZAK {
@@ -8,10 +10,10 @@ namespace ZAK {
 enum class HTTPMethod { get, head, post, put, patch, delete_ };
 
 /// The method as it stands on the request line, for example `GET`.
-[[nodiscard]] std::string_view rawValue(HTTPMethod method) noexcept;
+[[nodiscard]] ZVAPIKIT_API std::string_view rawValue(HTTPMethod method) noexcept;
 
 /// True for GET, HEAD, PUT and DELETE: sending such a request twice has the effect of sending it once, so that a
 /// transport failure before the first byte of an answer may be retried.
-[[nodiscard]] bool isIdempotent(HTTPMethod method) noexcept;
+[[nodiscard]] ZVAPIKIT_API bool isIdempotent(HTTPMethod method) noexcept;
 
 }  // namespace ZAK

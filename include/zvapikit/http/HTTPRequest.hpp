@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/http/HTTPBody.hpp>
 #include <zvapikit/http/HTTPHeaders.hpp>
 #include <zvapikit/http/HTTPMethod.hpp>
@@ -20,7 +21,7 @@ namespace ZAK {
 /// One request, before it is joined to a client's base URL and default headers.
 ///
 /// Thread safety: as a standard container.
-class HTTPRequest {
+class ZVAPIKIT_API HTTPRequest {
  public:
   /// Values of the template's placeholders, by name.
   using Variables = std::vector<std::pair<std::string, std::string>>;

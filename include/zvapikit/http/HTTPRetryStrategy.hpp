@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/http/HTTPRequest.hpp>
 
 #include <boost/asio/awaitable.hpp>
@@ -12,7 +13,7 @@
 namespace ZAK {
 
 /// What a validator wants done before a request is sent again.
-class HTTPRetryStrategy {
+class ZVAPIKIT_API HTTPRetryStrategy {
  public:
   /// May change the request, which is then sent as changed. Must not keep references to its arguments' targets beyond
   /// its own completion.

@@ -1,12 +1,14 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
+
 #include <compare>
 #include <string>
 
 namespace ZAK {
 
 /// The status of an answer (RFC 9110); 0 means that no answer came.
-class HTTPStatusCode {
+class ZVAPIKIT_API HTTPStatusCode {
  public:
   constexpr HTTPStatusCode() noexcept = default;
   constexpr explicit HTTPStatusCode(int code) noexcept : code_(code) {}

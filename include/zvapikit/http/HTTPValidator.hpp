@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/http/HTTPRequest.hpp>
 #include <zvapikit/http/HTTPResponse.hpp>
 #include <zvapikit/http/HTTPRetryStrategy.hpp>
@@ -43,7 +44,7 @@ class HTTPValidatorResult {
 /// Looks at each attempt's end and decides how the call goes on. Validators of a client run in their order.
 ///
 /// Thread safety: called from any thread that runs the client's executor, for several calls at once.
-class HTTPValidator {
+class ZVAPIKIT_API HTTPValidator {
  public:
   virtual ~HTTPValidator() = default;
   /// `response.error` is set when the attempt failed or its status is outside 2xx. Must not block. An exception

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/http/Clock.hpp>
 
 #include <chrono>
@@ -12,7 +13,7 @@ namespace ZAK {
 /// A clock for tests: time passes when the test says so.
 ///
 /// Thread safety: callable from any thread.
-class ManualClock final : public Clock {
+class ZVAPIKIT_API ManualClock final : public Clock {
  public:
   enum Mode {
     manual,      ///< a wait lasts until `advance` or `set` reaches its end

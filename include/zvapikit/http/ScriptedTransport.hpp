@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/http/Transport.hpp>
 
 #include <chrono>
@@ -15,7 +16,7 @@ namespace ZAK {
 /// once. Copies are the same hold. It serves answers of a `ScriptedTransport`, and a test's own fakes by `wait`.
 ///
 /// Thread safety: callable from any thread.
-class ScriptedHold {
+class ZVAPIKIT_API ScriptedHold {
  public:
   ScriptedHold();
 
@@ -33,7 +34,7 @@ class ScriptedHold {
 };
 
 /// How a `ScriptedTransport` ends one attempt.
-class ScriptedAnswer {
+class ZVAPIKIT_API ScriptedAnswer {
  public:
   /// An answer of that status.
   explicit ScriptedAnswer(int status, std::string body = {}, HTTPHeaders headers = HTTPHeaders());
@@ -55,7 +56,7 @@ class ScriptedAnswer {
 ///                                            .testTransport = transport});
 ///
 /// Thread safety: callable from any thread.
-class ScriptedTransport final : public Transport {
+class ZVAPIKIT_API ScriptedTransport final : public Transport {
  public:
   ScriptedTransport();
   ~ScriptedTransport() override;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/http/HTTPBody.hpp>
 #include <zvapikit/http/HTTPHeaders.hpp>
 #include <zvapikit/http/HTTPMethod.hpp>
@@ -56,7 +57,7 @@ struct TransferResult {
 /// tests without a network.
 ///
 /// Thread safety: any number of calls at once, from any thread.
-class Transport {
+class ZVAPIKIT_API Transport {
  public:
   virtual ~Transport() = default;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/json/Date.hpp>
 #include <zvapikit/json/JSONDateStrategy.hpp>
 #include <zvapikit/json/JSONErrors.hpp>
@@ -39,7 +40,7 @@ class JSONBody {
 /// first in the order of the records' own fields, whatever the order of the body.
 ///
 /// Thread safety: immutable; use one decoder from any number of threads. `now` must allow the same.
-class JSONDecoder {
+class ZVAPIKIT_API JSONDecoder {
  public:
   /// `now` is what `JSONValue::now()` yields; without one it is the machine's clock.
   explicit JSONDecoder(JSONDateStrategy dates = JSONDateStrategy::javaScriptISO8601, std::function<Date()> now = {});

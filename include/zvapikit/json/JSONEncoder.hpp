@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/json/JSONDateStrategy.hpp>
 #include <zvapikit/json/JSONErrors.hpp>
 #include <zvapikit/json/JSONType.hpp>
@@ -12,7 +13,7 @@ namespace ZAK {
 /// fields are left out. Numbers are the shortest text that reads back equal; text outside ASCII stays UTF-8.
 ///
 /// Thread safety: immutable; use one encoder from any number of threads.
-class JSONEncoder {
+class ZVAPIKIT_API JSONEncoder {
  public:
   explicit JSONEncoder(JSONDateStrategy dates = JSONDateStrategy::javaScriptISO8601) noexcept : dates_(dates) {}
 

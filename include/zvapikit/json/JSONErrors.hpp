@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
+
 #include <cstddef>
 #include <exception>
 #include <memory>
@@ -33,7 +35,7 @@ class CodingKey {
 /// string that was of the wrong type.
 ///
 /// Thread safety: immutable; copies share the texts.
-class CodingError : public std::exception {
+class ZVAPIKIT_API CodingError : public std::exception {
  public:
   /// From the top of the body to the value at fault.
   [[nodiscard]] const std::vector<CodingKey>& codingPath() const noexcept { return state_->path; }
@@ -57,7 +59,7 @@ class CodingError : public std::exception {
 };
 
 /// A body that is not JSON, or not the JSON of the record asked for.
-class DecodingError : public CodingError {
+class ZVAPIKIT_API DecodingError : public CodingError {
  public:
   enum class Kind {
     keyNotFound,    ///< a required key is missing; `key()` names it and the path ends at the object without it
@@ -85,7 +87,7 @@ class DecodingError : public CodingError {
 
 /// A value that has no JSON form: text that is not UTF-8, a number that is not finite, a date outside the years 0001
 /// to 9999, a required value that is absent.
-class EncodingError : public CodingError {
+class ZVAPIKIT_API EncodingError : public CodingError {
  public:
   EncodingError(std::vector<CodingKey> path, std::string debugDescription);
 };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
+
 #include <string>
 #include <string_view>
 
@@ -15,6 +17,7 @@ enum class JSONPrinting {
 
 /// A body for people: indented, keys sorted, slashes unescaped. A body that is not JSON, or nested deeper than 512,
 /// gives the parser's error text, one that is not UTF-8 gives `-`.
-[[nodiscard]] std::string prettyPrinted(std::string_view body, JSONPrinting printing = JSONPrinting::whole);
+[[nodiscard]] ZVAPIKIT_API std::string prettyPrinted(std::string_view body,
+                                                     JSONPrinting printing = JSONPrinting::whole);
 
 }  // namespace ZAK

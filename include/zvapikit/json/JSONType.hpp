@@ -47,8 +47,8 @@ struct JSONField {
   static constexpr JSONField of(std::string_view key);
 };
 
-/// What decoder and encoder know of a C++ type, with the type itself forgotten. One constant for each type; two types
-/// are the same exactly when the addresses are. Made by `jsonType<T>()` only.
+/// What decoder and encoder know of a C++ type, with the type itself forgotten. One constant for each type, made by
+/// `jsonType<T>()` only. A shared library and its host may each have their own of a type; that of `EmptyDto` is one.
 struct JSONType {
   enum class Kind : unsigned char {
     boolean,

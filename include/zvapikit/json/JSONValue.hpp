@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/json/JSONErrors.hpp>
 #include <zvapikit/json/JSONType.hpp>
 
@@ -17,7 +18,7 @@ struct JSONNode;
 ///
 /// Valid only during the hook's call. A body that does not decode is read a second time to tell why, so a hook may be
 /// called twice for one value.
-class JSONValue {
+class ZVAPIKIT_API JSONValue {
  public:
   explicit JSONValue(const detail::JSONNode& node) noexcept : node_(&node) {}
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/json/JSONType.hpp>
 
 #include <string_view>
@@ -14,7 +15,7 @@ class JSONOutput;
 /// `endObject`. The date strategy of the encoder holds for every write. All writes throw `EncodingError`.
 ///
 /// Valid only during the hook's call.
-class JSONWriter {
+class ZVAPIKIT_API JSONWriter {
  public:
   explicit JSONWriter(detail::JSONOutput& output) noexcept : output_(&output) {}
 

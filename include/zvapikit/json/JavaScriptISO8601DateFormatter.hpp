@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/json/Date.hpp>
 
 #include <optional>
@@ -15,7 +16,7 @@ namespace ZAK {
 /// surrounding text and instants outside these years in UTC included, is refused.
 ///
 /// Thread safety: no state.
-class JavaScriptISO8601DateFormatter {
+class ZVAPIKIT_API JavaScriptISO8601DateFormatter {
  public:
   /// The fraction is required.
   [[nodiscard]] static std::optional<Date> fractional(std::string_view text) noexcept;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,7 +12,7 @@ namespace ZAK {
 ///
 /// A text that is already valid is kept byte for byte, since a signature may cover it; characters that are not legal in
 /// a path, query or fragment are percent-encoded.
-class URL {
+class ZVAPIKIT_API URL {
  public:
   /// An empty URL, which no `parse` yields.
   URL() = default;

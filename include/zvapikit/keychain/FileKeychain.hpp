@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/keychain/Keychain.hpp>
 
 #include <filesystem>
@@ -12,7 +13,7 @@ namespace ZAK {
 /// A write is safe on disk when it returns, and is whole or not at all: several processes may use one directory. A file
 /// that is damaged, cut short or another item's fails with `KeychainStatus::decode`; one that is a link, someone
 /// else's or open to others fails with `KeychainStatus::io`, as do errors of the file system. A write mends either.
-class FileKeychain final : public Keychain {
+class ZVAPIKIT_API FileKeychain final : public Keychain {
  public:
   /// Longest data of an item, in bytes; longer ones fail with `KeychainStatus::param`, as do empty keys and those whose
   /// file name would be too long.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/keychain/Keychain.hpp>
 
 #include <cstddef>
@@ -9,7 +10,7 @@
 namespace ZAK {
 
 /// A keychain that is gone with the process. For tests, and for hosts that want to sign in anew at each start.
-class InMemoryKeychain final : public Keychain {
+class ZVAPIKIT_API InMemoryKeychain final : public Keychain {
  public:
   /// Operations asked for so far, failed ones included.
   struct Counts {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/keychain/KeychainError.hpp>
 
 #include <optional>
@@ -37,7 +38,7 @@ struct KeychainOptions {
 /// that keeps the items did not answer in time.
 ///
 /// Thread safety: callable from any thread; of two writers the last one's data stay, whole.
-class Keychain {
+class ZVAPIKIT_API Keychain {
  public:
   explicit Keychain(KeychainSettings settings) : settings_(std::move(settings)) {}
   Keychain(const Keychain&) = delete;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/keychain/KeychainStatus.hpp>
 
 #include <exception>
@@ -7,7 +8,7 @@
 namespace ZAK {
 
 /// A keychain operation that failed. Names neither the item nor its content.
-class KeychainError : public std::exception {
+class ZVAPIKIT_API KeychainError : public std::exception {
  public:
   explicit KeychainError(KeychainStatus status) noexcept : status_(status) {}
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/keychain/Keychain.hpp>
 
 #include <memory>
@@ -7,7 +8,7 @@
 namespace ZAK {
 
 /// Owns the keychain handle the kit uses unless a host brings its own.
-class KeychainFactory {
+class ZVAPIKIT_API KeychainFactory {
  public:
   /// Where items are kept.
   enum class Backend {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
+
 #include <string_view>
 
 namespace ZAK {
@@ -21,6 +23,6 @@ enum class KeychainStatus {
 };
 
 /// The status in words, for people.
-std::string_view message(KeychainStatus status) noexcept;
+ZVAPIKIT_API std::string_view message(KeychainStatus status) noexcept;
 
 }  // namespace ZAK

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/json/Date.hpp>
 #include <zvapikit/json/JSONType.hpp>
 #include <zvapikit/json/URL.hpp>
@@ -29,7 +30,7 @@ struct LegacyPostUserDto {
 };
 
 /// An instant in the older post layout, which knows no other form of one.
-struct LegacyPostDateDto {
+struct ZVAPIKIT_API LegacyPostDateDto {
   std::int64_t _seconds = 0;      ///< since 1970-01-01T00:00:00Z
   std::int64_t _nanoseconds = 0;  ///< of the second
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/json/Date.hpp>
 #include <zvapikit/json/JSONType.hpp>
 #include <zvapikit/json/JSONValue.hpp>
@@ -13,7 +14,7 @@
 namespace ZAK {
 
 /// The post of one past day.
-struct MemoryDto {
+struct ZVAPIKIT_API MemoryDto {
   std::string id;
   bool isLate = false;
   std::string memoryDay;              ///< as the server wrote it, `yyyy-MM-dd`

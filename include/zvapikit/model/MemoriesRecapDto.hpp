@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/json/Date.hpp>
 #include <zvapikit/json/JSONType.hpp>
 #include <zvapikit/json/JSONValue.hpp>
@@ -34,7 +35,7 @@ inline constexpr bool CodableLastByDefault<RecapStatusDto> = true;
 
 /// The recap video of a year. Its two dates are read only with fractional seconds; a text in any other form leaves
 /// them absent.
-struct MemoriesRecapDto {
+struct ZVAPIKIT_API MemoriesRecapDto {
   std::string id;
   RecapStatusDto videoStatus = RecapStatusDto::pending;
   std::int64_t year = 0;

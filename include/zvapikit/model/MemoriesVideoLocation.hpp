@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/json/JSONValue.hpp>
 #include <zvapikit/json/JSONWriter.hpp>
 #include <zvapikit/json/URL.hpp>
@@ -16,7 +17,7 @@ namespace ZAK {
 /// of that directory.
 ///
 /// In JSON it is `{"documents": {"path": "..."}}` or `{"absolute": {"url": "..."}}`.
-class MemoriesVideoLocation {
+class ZVAPIKIT_API MemoriesVideoLocation {
  public:
   /// The documents directory itself.
   MemoriesVideoLocation() = default;

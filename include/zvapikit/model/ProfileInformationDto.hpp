@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/json/Date.hpp>
 #include <zvapikit/json/JSONType.hpp>
 #include <zvapikit/json/NullEncodable.hpp>
@@ -64,7 +65,7 @@ struct ProfileInformationDto {
 };
 
 /// Body that creates the profile.
-struct ProfileCreateInformationDto {
+struct ZVAPIKIT_API ProfileCreateInformationDto {
   ProfileCreateInformationDto() = default;
   ProfileCreateInformationDto(std::string username_, std::string fullname_, Date birthdate_,
                               std::optional<std::string> device_, std::optional<std::string> deviceId_,

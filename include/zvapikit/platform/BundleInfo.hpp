@@ -1,12 +1,14 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
+
 #include <string>
 
 namespace ZAK {
 
 /// What the host program says about itself. It goes into the user agent, the version header and the default
 /// directories. A value that is missing is the text `unknown`.
-struct BundleInfo {
+struct ZVAPIKIT_API BundleInfo {
   std::string executable = "unknown";    ///< name of the program, for example `MyApp`
   std::string shortVersion = "unknown";  ///< for people, for example `2.3.1`
   std::string identifier = "unknown";    ///< in reverse DNS form, for example `com.example.app`

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/platform/BundleInfo.hpp>
 
 #include <filesystem>
@@ -8,7 +9,7 @@
 namespace ZAK {
 
 /// What the default directories are derived from. An unset variable is an empty text.
-struct DirectoryEnvironment {
+struct ZVAPIKIT_API DirectoryEnvironment {
   std::string xdgDataHome{};  ///< `XDG_DATA_HOME`; ignored unless absolute, as its standard asks
   std::string home{};         ///< `HOME`, else the home of the user's account
   std::string tmpdir{};       ///< `TMPDIR`; ignored unless absolute
@@ -22,7 +23,7 @@ struct DirectoryEnvironment {
 };
 
 /// Where the kit keeps files. An empty path stands for the default. They are made when they are needed.
-struct Directories {
+struct ZVAPIKIT_API Directories {
   /// Default: `$XDG_DATA_HOME/<bundle identifier>/Documents`.
   std::filesystem::path documents{};
   /// Default: a directory below `$TMPDIR`, else `/tmp`. It must be the user's own, and is closed to all others as

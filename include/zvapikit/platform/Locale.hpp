@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -7,7 +9,7 @@
 namespace ZAK {
 
 /// What the process's environment says about the user's language. An unset variable is an empty text.
-struct LocaleEnvironment {
+struct ZVAPIKIT_API LocaleEnvironment {
   std::string lcAll;       ///< `LC_ALL`
   std::string lcMessages;  ///< `LC_MESSAGES`
   std::string lang;        ///< `LANG`
@@ -20,7 +22,7 @@ struct LocaleEnvironment {
 /// stand in a header.
 ///
 /// Thread safety: immutable. `LocaleEnvironment::current` reads the environment, so it must not race with `setenv`.
-class Locale {
+class ZVAPIKIT_API Locale {
  public:
   /// The first non-empty of `LC_ALL`, `LC_MESSAGES` and `LANG` is the locale. When it names a language, `LANGUAGE`
   /// gives the preferred languages; entries of it that name none are skipped.

@@ -1,12 +1,14 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
+
 #include <string>
 #include <string_view>
 
 namespace ZAK {
 
 /// The version of the operating system; on Linux that of the kernel.
-struct OperatingSystemVersion {
+struct ZVAPIKIT_API OperatingSystemVersion {
   int major = 0;
   int minor = 0;
   int patch = 0;

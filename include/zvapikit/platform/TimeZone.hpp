@@ -1,12 +1,14 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
+
 #include <filesystem>
 #include <string>
 
 namespace ZAK {
 
 /// Where the machine's time zone is looked up.
-struct TimeZoneEnvironment {
+struct ZVAPIKIT_API TimeZoneEnvironment {
   std::string tz{};                  ///< `TZ`; empty when unset
   std::filesystem::path root = "/";  ///< the file system that holds `etc/` and `usr/share/zoneinfo/`
 
@@ -16,6 +18,6 @@ struct TimeZoneEnvironment {
 /// The identifier of the time zone in the IANA database, for example `Europe/Paris`: that of `TZ` if the zone exists,
 /// else what `/etc/localtime` links to, else the text of `/etc/timezone`, else `GMT`. It consists of letters, digits
 /// and `/ _ + -`, so it can stand in a header. Never throws for what it finds on the machine.
-std::string timeZoneIdentifier(const TimeZoneEnvironment& environment = TimeZoneEnvironment::current());
+ZVAPIKIT_API std::string timeZoneIdentifier(const TimeZoneEnvironment& environment = TimeZoneEnvironment::current());
 
 }  // namespace ZAK

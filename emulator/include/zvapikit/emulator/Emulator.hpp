@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/emulator/EmulatorFault.hpp>
 #include <zvapikit/emulator/EmulatorOptions.hpp>
 #include <zvapikit/emulator/EmulatorRequest.hpp>
@@ -17,7 +18,7 @@
 namespace ZAK {
 
 /// What an emulator has seen and done since it started.
-struct EmulatorCounts {
+struct ZVAPIKIT_API EmulatorCounts {
   /// Requests by method and path template, e.g. `GET /content/posts/{postId}`; those that fit no route by their path.
   std::map<std::string, std::size_t> requests{};
   std::size_t connections = 0;
@@ -35,7 +36,7 @@ struct EmulatorCounts {
 ///
 /// Its operations may be called from any thread. The executor's context must outlive the emulator; it may be run by
 /// several threads. `stop`, or dropping the last reference, ends all its work on the context.
-class Emulator {
+class ZVAPIKIT_API Emulator {
  public:
   /// Listens before it returns; serves once the executor's context runs.
   /// @throws std::invalid_argument for an empty executor, boost::system::system_error when the port is taken.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
+
 #include <string>
 #include <string_view>
 #include <utility>
@@ -17,7 +19,7 @@ enum class EmulatorEnvironment { sandbox, production };
 using EmulatorHeaders = std::vector<std::pair<std::string, std::string>>;
 
 /// A request as it arrived.
-struct EmulatorRequest {
+struct ZVAPIKIT_API EmulatorRequest {
   EmulatorServer server = EmulatorServer::unknown;
   EmulatorEnvironment environment = EmulatorEnvironment::sandbox;
   std::string method{};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
 #include <zvapikit/emulator/Emulator.hpp>
 
 #include <boost/asio/io_context.hpp>
@@ -10,7 +11,7 @@
 namespace ZAK {
 
 /// An emulator that runs in a thread of its own, from construction to destruction.
-class EmulatorThread {
+class ZVAPIKIT_API EmulatorThread {
  public:
   explicit EmulatorThread(EmulatorOptions options = {});
   /// Stops the emulator and waits for the thread.
