@@ -1,24 +1,19 @@
 #include "Snippets.hpp"
 
-#include <zvapikit/core/ZAKError.hpp>
+#include <zvapikit/core/BlockingClient.hpp>
 #include <zvapikit/domains/ContentDomain.hpp>
 #include <zvapikit/domains/FeedsDomain.hpp>
-#include <zvapikit/domains/MomentDomain.hpp>
 #include <zvapikit/domains/ProfileDomain.hpp>
-#include <zvapikit/domains/RelationshipsDomain.hpp>
 
 #include <boost/asio/bind_cancellation_slot.hpp>
 #include <boost/asio/cancellation_signal.hpp>
-#include <boost/asio/deferred.hpp>
-#include <boost/asio/error.hpp>
 #include <boost/asio/experimental/awaitable_operators.hpp>
 #include <boost/asio/steady_timer.hpp>
-#include <boost/asio/strand.hpp>
 #include <boost/asio/thread_pool.hpp>
 #include <boost/asio/use_awaitable.hpp>
-#include <boost/system/system_error.hpp>
+#include <boost/asio/use_future.hpp>
 
-#include <atomic>
+#include <future>
 
 namespace {
 
@@ -64,7 +59,22 @@ boost::asio::awaitable<void> safeForms(std::shared_ptr<ZAK::MobileApiClient> cli
   require(!page.data.empty(), "nobody has posted");
 }
 
-// On a pool of threads: whoever cancels has to do it where the call runs.
+boost::asio::awaitable<std::size_t> countPosts(ZAK::FeedsDomain feeds) {
+  const std::vector<ZAK::LegacyPostDto> posts = co_await feeds.fetchFriends();  // 1: in a coroutine
+  co_return posts.size();
+}
+
+void spawned(std::shared_ptr<ZAK::MobileApiClient> client, boost::asio::io_context& io) {
+  ZAK::FeedsDomain feeds{client};
+  std::size_t count = 0;
+  client->spawn(feeds.fetchFriends(), [&count](ZAK::Outcome<std::vector<ZAK::LegacyPostDto>> posts) {  // 2: a callback
+    if (posts.has_value()) count = posts.value().size();
+  });
+  io.run();
+  io.restart();
+  require(count == 2, "the callback was not told");
+}
+
 void onAPool(const ZAK::EmulatorThread& backend) {
   boost::asio::thread_pool pool(4);
   const auto alice = std::make_shared<Alice>();
@@ -72,22 +82,28 @@ void onAPool(const ZAK::EmulatorThread& backend) {
   ZAK::Context context = contextFor(backend, unused, alice);
   context.executor = pool.get_executor();
   const auto client = ZAK::MobileApiClient::create(std::move(context));
-
-  const auto strand = boost::asio::make_strand(pool);
-  boost::asio::cancellation_signal cancel;
-  std::atomic<bool> cancelled = false;
   ZAK::FeedsDomain feeds{client};
-  const auto ended = [&](std::exception_ptr failure, std::vector<ZAK::LegacyPostDto>) {
-    try {
-      if (failure) std::rethrow_exception(failure);
-    } catch (const boost::system::system_error& error) {
-      cancelled = error.code() == boost::asio::error::operation_aborted;
-    }
+
+  std::future<std::size_t> count = client->spawn(countPosts(feeds), boost::asio::use_future);  // 3: a future
+  require(count.get() == 2, "the future was not told");
+
+  backend->inject({.server = ZAK::EmulatorServer::mobile, .delay = std::chrono::seconds(30)});
+  std::promise<bool> cancelled;
+  const auto ended = [&cancelled](ZAK::Outcome<std::vector<ZAK::LegacyPostDto>> posts) {
+    cancelled.set_value(posts.has_error());
   };
-  boost::asio::co_spawn(strand, feeds.fetchFriends(), boost::asio::bind_cancellation_slot(cancel.slot(), ended));
-  boost::asio::post(strand, [&] { cancel.emit(boost::asio::cancellation_type::total); });
+  boost::asio::cancellation_signal cancel;
+  client->spawn(feeds.fetchFriends(), boost::asio::bind_cancellation_slot(cancel.slot(), ended));
+  cancel.emit(boost::asio::cancellation_type::total);
+  require(cancelled.get_future().get(), "the call was not cancelled");
   pool.join();
-  require(cancelled, "the call was not cancelled");
+}
+
+void blocking(ZAK::Context context) {
+  ZAK::BlockingClient tool(std::move(context));  // 4: blocking; a context without an executor
+  ZAK::FeedsDomain feeds{tool.client()};
+  const std::vector<ZAK::LegacyPostDto> posts = tool.run(feeds.fetchFriends());
+  require(posts.size() == 2, "Alice has two friends who posted");
 }
 
 }  // namespace
@@ -99,5 +115,9 @@ void threads() {
   const auto client = ZAK::MobileApiClient::create(contextFor(backend, io, alice));
   run(io, onOneThread(client, &backend));
   run(io, safeForms(client, std::nullopt));
+  spawned(client, io);
   onAPool(backend);
+  ZAK::Context context = contextFor(backend, io, alice);
+  context.executor = {};
+  blocking(std::move(context));
 }
