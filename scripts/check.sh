@@ -3,7 +3,8 @@
 # the public headers. One line a step; the last line is "N passed, N failed".
 #   scripts/check.sh            every step
 #   scripts/check.sh STEP ...   these, of:
-steps=(asan clang tsan format tidy words layers headers header-cost header-includes macros reference fuzz)
+steps=(asan clang tsan format tidy words snippets layers headers header-cost header-includes macros must-not-compile
+  reference fuzz)
 set -u
 cd "$(dirname "$0")/.." || exit
 
@@ -36,6 +37,9 @@ words() {
   git grep -nIE '(^|[^A-Za-z0-9_.])/(work|farm)/' -- . && found=1
   return $found
 }
+
+# The code in README and guides is compiled elsewhere, and links lead somewhere.
+snippets() { scripts/snippets.py; }
 
 # Which modules may include which, as docs/architecture.md draws it. The composition root alone looks upwards.
 layers() {
@@ -139,6 +143,9 @@ reference() {
     [ -s "build/reference/html/$page.html" ] || { echo "no page $page" && return 1; }
   done
 }
+
+# Mistakes that the public interface refuses.
+must-not-compile() { scripts/must_not_compile.py; }
 
 # Each fuzzer for a while, from its corpus and from what earlier runs here have learnt.
 fuzz() {

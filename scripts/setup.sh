@@ -13,9 +13,9 @@ packages=(
   # examples
   libspdlog-dev
   # the wider checks
-  clang-19 libclang-rt-19-dev clang-format-14 clang-tidy-14 doxygen
+  clang-19 libclang-rt-19-dev clang-format-14 clang-tidy-14 doxygen python3
 )
-[ "${1:-}" != bench ] || packages+=(curl libnginx-mod-http-echo python3 rapidjson-dev valgrind)
+[ "${1:-}" != bench ] || packages+=(curl libnginx-mod-http-echo rapidjson-dev valgrind)
 
 missing=()
 for package in "${packages[@]}"; do
