@@ -4,7 +4,9 @@
 
 namespace ZAK {
 
-/// Carried by the `Context` for the host's own use. The kit calls nothing on it, from no thread.
+/// Carried by the `Context` for the host's own use. The kit calls nothing on it.
+///
+/// Thread safety: the host's own business.
 class ZVAPIKIT_API InterceptorDelegate {
  public:
   virtual ~InterceptorDelegate() = default;
