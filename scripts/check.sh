@@ -3,7 +3,7 @@
 # the public headers. One line a step; the last line is "N passed, N failed".
 #   scripts/check.sh            every step
 #   scripts/check.sh STEP ...   these, of:
-steps=(asan clang tsan format tidy words layers headers header-cost header-includes macros fuzz)
+steps=(asan clang tsan format tidy words layers headers header-cost header-includes macros packages fuzz)
 set -u
 cd "$(dirname "$0")/.." || exit
 
@@ -130,6 +130,9 @@ macros() {
   } >"$out/macros.cpp"
   g++ -std=c++20 -fsyntax-only -Wall -Wextra -Werror "${public_includes[@]}" "$out/macros.cpp"
 }
+
+# The ways in which a host gets the kit.
+packages() { tests/package/run.sh; }
 
 # Each fuzzer for a while, from its corpus and from what earlier runs here have learnt.
 fuzz() {
