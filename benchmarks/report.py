@@ -35,8 +35,11 @@ ROWS = [
     ("token-exchanges", "kit", "exchanges", 1, "token exchanges of 10,000 callers on an expired token"),
     ("tokens", "expired", "valid", None, "time a caller, against a caller on a valid token"),
     ("tokens", "expired", "us", None, "time a caller, CPU"),
+    ("size", "library", "KiB", None, "the shared library, optimised and stripped"),
+    ("compile.O0", "host", "s", None, "compiling a small host, g++ -O0, CPU"),
+    ("compile.O2", "host", "s", None, "compiling a small host, g++ -O2, CPU"),
 ]
-UNITS = {"KiB": 1 / 1024, "connections": 1, "exchanges": 1, "us": 1e6}
+UNITS = {"KiB": 1 / 1024, "connections": 1, "exchanges": 1, "us": 1e6, "s": 1}
 
 Result = collections.namedtuple("Result", "name what low median high goal unit pairs")
 
@@ -88,7 +91,7 @@ def markdown(rows, notes, causes):
              "![Each ratio with its quartiles; the mark is the goal](results.svg)", "",
              "| Measure | What | Median | Quartiles | Goal | |", "|---|---|---|---|---|---|"]
     for r in rows:
-        unit = f" {r.unit}" if r.unit in ("KiB", "us") else ""
+        unit = f" {r.unit}" if r.unit in ("KiB", "us", "s") else ""
         goal = "" if r.goal is None else f"<= {text(r.goal)}"
         lines.append(f"| `{r.name}` | {r.what} | {text(r.median)}{unit} | {range_of(r)} | {goal} | {verdict(r)} |")
     return "\n".join(lines + ["", causes.strip(), ""])

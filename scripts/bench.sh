@@ -3,7 +3,7 @@
 # prints medians with quartiles, then one line a goal.
 #   scripts/bench.sh            everything, and writes benchmarks/results.md with its plot
 #   scripts/bench.sh NAME ...   these, of:
-names=(json tokens connections memory transfer call instructions)
+names=(json tokens connections memory transfer call instructions size)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -12,14 +12,17 @@ report=(--print)
 if [ $# -eq 0 ]; then report=(--write benchmarks); else names=("$@"); fi
 for name in "${names[@]}"; do
   case $name in
-    json | tokens | connections | memory | transfer | call | instructions) ;;
+    json | tokens | connections | memory | transfer | call | instructions | size) ;;
     *) echo "bench: no benchmark $name" >&2 && exit 2 ;;
   esac
 done
 
 scripts/setup.sh bench
-cmake --preset release >/dev/null
-cmake --build --preset release -j 2 --target bench_json bench_tokens bench_transfer >&2
+export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1 # the shared library of `size` has the same objects
+if [ "${names[*]}" != size ]; then
+  cmake --preset release >/dev/null
+  cmake --build --preset release -j 2 --target bench_json bench_tokens bench_transfer >&2
+fi
 
 bin=$PWD/build/release/benchmarks
 out=$PWD/build/bench
@@ -155,6 +158,25 @@ call http2 6 /post.json fire
 call http2 6 /post.json curl+simdjson
 EOF
   prefix=()
+}
+
+# The shared library as it is shipped, and what its headers cost a host: CPU seconds of compiling a small one.
+size() {
+  local build=build/bench-shared level run TIMEFORMAT='%U %S'
+  {
+    cmake --preset release -B $build -DBUILD_SHARED_LIBS=ON -DZVAPIKIT_TESTS=OFF -DZVAPIKIT_TOOLS=OFF \
+      -DZVAPIKIT_EXAMPLES=OFF -DZVAPIKIT_BENCHMARKS=OFF -DCMAKE_INSTALL_LIBDIR=lib
+    cmake --build $build -j 2 --target zvapikit
+    cmake --install $build --component Kit --prefix "$out/kit" --strip
+  } >&2
+  echo "sample size 0 library $(stat -Lc %s "$out/kit/lib/libzvapikit.so")"
+  for run in 0 1 2 3 4; do
+    for level in O0 O2; do
+      { time g++ -std=c++20 -$level -I"$out/kit/include" -Iemulator/include -c tests/package/consumer/main.cpp \
+        -o "$out/consumer.o"; } 2>"$out/time"
+      echo "sample compile.$level $run host $(awk '{ print $1 + $2 }' "$out/time")"
+    done
+  done
 }
 
 for name in "${names[@]}"; do

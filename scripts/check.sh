@@ -4,7 +4,7 @@
 #   scripts/check.sh            every step
 #   scripts/check.sh STEP ...   these, of:
 steps=(asan clang tsan format tidy words snippets layers headers header-cost header-includes macros must-not-compile
-  reference fuzz)
+  packages reference fuzz)
 set -u
 cd "$(dirname "$0")/.." || exit
 
@@ -146,6 +146,9 @@ reference() {
 
 # Mistakes that the public interface refuses.
 must-not-compile() { scripts/must_not_compile.py; }
+
+# The ways in which a host gets the kit.
+packages() { tests/package/run.sh; }
 
 # Each fuzzer for a while, from its corpus and from what earlier runs here have learnt.
 fuzz() {
