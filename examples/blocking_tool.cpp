@@ -18,6 +18,7 @@
 #include <charconv>
 #include <csignal>
 #include <iostream>
+#include <stop_token>
 #include <string_view>
 
 namespace {

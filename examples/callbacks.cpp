@@ -11,6 +11,7 @@
 #include <zvapikit/keychain/InMemoryKeychain.hpp>
 
 #include <boost/asio/bind_cancellation_slot.hpp>
+#include <boost/asio/cancellation_signal.hpp>
 #include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/experimental/awaitable_operators.hpp>
 #include <boost/asio/io_context.hpp>

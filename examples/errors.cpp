@@ -15,7 +15,11 @@
 
 #include <boost/asio/error.hpp>
 
+#include <filesystem>
+#include <functional>
 #include <iostream>
+#include <optional>
+#include <stop_token>
 
 namespace {
 

@@ -57,8 +57,8 @@ class ZVAPIKIT_API MobileApiClient final : public Client {
   /// operation keeps the client until it has ended.
   ///
   /// Operations and callbacks run on the context's executor, those of one client one at a time, so a callback must not
-  /// block; `bind_executor` takes it elsewhere. What it throws leaves the `run()` of that executor's context. When that
-  /// context ends before the operation does, the callback is destroyed without being called.
+  /// block; `bind_executor` takes it elsewhere. What it throws leaves the `run()` of the context that it runs on. When
+  /// the client's context ends before the operation does, the callback is destroyed without being called.
   ///
   /// `bind_cancellation_slot(signal.slot(), callback)` lets `signal.emit(type)` cancel the operation, at any time and
   /// from any thread, with every cancellation type. The signal may outlive the client and the context.
