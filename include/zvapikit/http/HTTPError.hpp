@@ -44,7 +44,8 @@ class HTTPError : public std::exception {
   [[nodiscard]] Kind kind() const noexcept { return state_->kind; }
   /// The answer's status; 0 when no answer came.
   [[nodiscard]] HTTPStatusCode statusCode() const noexcept { return state_->status; }
-  /// For people: `HTTP 404 Not Found`, `connection refused`, ...
+  /// For people: `HTTP 404 Not Found`, `connection refused: mobile.zolvi.example`, ... Of the URL it names the host, and
+  /// a port that is not the usual one, at most.
   [[nodiscard]] const std::string& description() const noexcept { return state_->message; }
   /// What a validator found, for example an `ErrorDto`, or what the file system said; null when there is none.
   [[nodiscard]] const std::shared_ptr<const std::exception>& underlyingError() const noexcept {
