@@ -170,6 +170,7 @@ void check(const std::filesystem::path& file) {
     if (text.find(secret) != std::string::npos) throw std::runtime_error("a secret is in the file");
   }
   if (text.find("Nice view!") == std::string::npos) throw std::runtime_error("a body is missing");
+  std::cout << file.string() << " holds " << statuses.size() << " entries and no secret\n";
 }
 
 }  // namespace
