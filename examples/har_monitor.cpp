@@ -1,5 +1,5 @@
 // Writes the kit's traffic to a HAR file (HTTP Archive 1.2), which the network panel of a browser opens. Tokens and
-// signatures stay out of it, and so do bodies unless they are asked for.
+// signatures stay out of it, and so do bodies unless they are asked for; what is left is still about people.
 
 #include <zvapikit/core/BlockingClient.hpp>
 #include <zvapikit/core/Context.hpp>
@@ -17,6 +17,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cmath>
 #include <fstream>
 #include <iostream>
 #include <map>
@@ -157,6 +158,11 @@ void check(const std::filesystem::path& file) {
     std::cout << entry.at("startedDateTime").get<std::string>() << " " << request.at("method").get<std::string>() << " "
               << request.at("url").get<std::string>() << " " << entry.at("time") << " ms\n";
     statuses.push_back(entry.at("response").at("status"));
+    double sum = 0;
+    for (const char* phase : {"dns", "connect", "send", "wait", "receive"}) {
+      sum += std::max(entry.at("timings").at(phase).get<double>(), 0.0);
+    }
+    if (std::abs(sum - entry.at("time").get<double>()) > 0.01) throw std::runtime_error("the phases are not the whole");
   }
   if (statuses != std::vector{201, 200, 200, 401, 201, 201, 404}) throw std::runtime_error("entries are missing");
   const std::string text = har.dump();

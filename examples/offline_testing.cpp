@@ -1,5 +1,5 @@
-// How a host tests itself without a network: a screen of the host's and its tests, with a scripted transport, a clock
-// moved by hand and a keychain in memory; the last one with the emulator. Plain checks stand for a test framework.
+// How a host tests itself without a network: a screen of the host's and its tests, with a scripted transport and a
+// clock moved by hand, the last one with the emulator. Plain checks stand for a test framework.
 
 #include <zvapikit/core/BlockingClient.hpp>
 #include <zvapikit/core/Context.hpp>
@@ -10,7 +10,6 @@
 #include <zvapikit/emulator/EmulatorThread.hpp>
 #include <zvapikit/http/ManualClock.hpp>
 #include <zvapikit/http/ScriptedTransport.hpp>
-#include <zvapikit/json/JSONEncoder.hpp>
 #include <zvapikit/keychain/InMemoryKeychain.hpp>
 
 #include <boost/asio/bind_cancellation_slot.hpp>
@@ -62,8 +61,7 @@ struct Offline {
   std::shared_ptr<ZAK::ManualClock> clock = std::make_shared<ZAK::ManualClock>(ZAK::ManualClock::autoAdvance);
   std::shared_ptr<ZAK::MobileApiClient> client =
       ZAK::MobileApiClient::create({.executor = io.get_executor(),
-                                    .keychain = std::make_shared<ZAK::InMemoryKeychain>(),
-                                    .testTransport = server,
+                                    .testTransport = server,  // and so the keychain is one in memory
                                     .clock = clock});
   FeedScreen screen{ZAK::FeedsDomain(client)};
   bool wasCancelled = false;
@@ -74,7 +72,7 @@ ZAK::ScriptedAnswer feedOf(const char* username) {
   ZAK::LegacyPostDto post;
   post.user.username = username;
   post.photoURL = post.secondaryPhotoURL = ZAK::URL::parse("https://photos.example/1.jpg").value();
-  return ZAK::ScriptedAnswer(200, ZAK::JSONEncoder().encode(std::vector<ZAK::LegacyPostDto>{post}));
+  return ZAK::ScriptedAnswer::json(std::vector<ZAK::LegacyPostDto>{post});
 }
 
 void check(bool holds, const char* what) {

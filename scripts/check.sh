@@ -3,7 +3,8 @@
 # the public headers. One line a step; the last line is "N passed, N failed".
 #   scripts/check.sh            every step
 #   scripts/check.sh STEP ...   these, of:
-steps=(asan clang tsan format tidy words snippets layers headers header-cost header-includes macros must-not-compile fuzz)
+steps=(asan clang tsan format tidy words snippets layers headers header-cost header-includes macros must-not-compile
+  reference fuzz)
 set -u
 cd "$(dirname "$0")/.." || exit
 
@@ -132,6 +133,15 @@ macros() {
     for header in $(public_headers); do echo "#include <$(name_of "$header")>"; done
   } >"$out/macros.cpp"
   g++ -std=c++20 -fsyntax-only -Wall -Wextra -Werror "${public_includes[@]}" "$out/macros.cpp"
+}
+
+# Every public symbol is described, and nothing in the descriptions or the pages leads nowhere.
+reference() {
+  local page
+  rm -rf build/reference && mkdir -p build/reference && doxygen docs/Doxyfile || return
+  for page in index namespaceZAK classZAK_1_1ContentDomain structZAK_1_1PostDto classZAK_1_1Emulator; do
+    [ -s "build/reference/html/$page.html" ] || { echo "no page $page" && return 1; }
+  done
 }
 
 # Mistakes that the public interface refuses.

@@ -13,7 +13,7 @@ packages=(
   # examples
   libspdlog-dev
   # the wider checks
-  clang-19 libclang-rt-19-dev clang-format-14 clang-tidy-14 python3
+  clang-19 libclang-rt-19-dev clang-format-14 clang-tidy-14 doxygen python3
 )
 [ "${1:-}" != bench ] || packages+=(curl libnginx-mod-http-echo rapidjson-dev valgrind)
 

@@ -17,6 +17,7 @@
 #include <zvapikit/core/MobileApiClient.hpp>
 #include <zvapikit/http/CurlTransport.hpp>
 #include <zvapikit/http/HTTPClient.hpp>
+#include <zvapikit/keychain/InMemoryKeychain.hpp>
 #include <zvapikit/keychain/KeychainFactory.hpp>
 
 #include <boost/asio/dispatch.hpp>
@@ -96,7 +97,9 @@ std::unique_ptr<MobileApiClient::Parts> MobileApiClient::Parts::build(Context co
   parts->authExecutor = std::make_shared<MobileApiRequestExecutor>(context.logger, serverDecoder(parts->clock),
                                                                    authClient, context.redactsSecrets);
 
-  auto keychain = context.keychain ? context.keychain : KeychainFactory::shared();
+  auto keychain = context.keychain        ? context.keychain
+                  : context.testTransport ? std::make_shared<InMemoryKeychain>()
+                                          : KeychainFactory::shared();
   parts->authentifier = std::make_shared<MobileApiAuthentifier>(
       context.authentifier,
       TokenManager::create(

@@ -3,6 +3,7 @@
 #include "http/TransferError.hpp"
 
 #include <zvapikit/json/JSONDecoder.hpp>
+#include <zvapikit/json/URL.hpp>
 
 #include <boost/algorithm/string/predicate.hpp>
 
@@ -43,6 +44,16 @@ std::string protocolName(long version) {
   }
 }
 
+/// What may be told of a URL: its host, and its port unless that is the usual one.
+std::string serverOf(const std::string& text) {
+  const auto url = URL::parse(text);
+  if (!url) return {};
+  std::string host = url->host();
+  if (host.find(':') != std::string::npos) host = "[" + host + "]";
+  const int port = url->port().value_or(443);
+  return port == 443 ? host : host + ":" + std::to_string(port);
+}
+
 }  // namespace
 
 CURLcode CurlTransfer::begin(CURL* easy, const CurlSettings& settings) {
@@ -50,6 +61,7 @@ CURLcode CurlTransfer::begin(CURL* easy, const CurlSettings& settings) {
   connectBy_ = std::chrono::steady_clock::now() + connectTimeout(settings.options, request);
   lines_ = headerLines(request);
   maximumBodySize_ = settings.options.maximumBodySize;
+  hasProxy_ = settings.options.proxy.has_value();
   CURLcode code = openFiles();
   if (code == CURLE_OK) code = setCallbacks();
   return code == CURLE_OK ? configure(easy, settings, request, lines_) : code;
@@ -151,6 +163,8 @@ HTTPError CurlTransfer::errorOf(CURLcode code) const {
   TransferFailure failure;
   failure.code = code;
   failure.statusCode = head_.statusCode();
+  failure.server = serverOf(request.url);
+  failure.hasProxy = hasProxy_;
   failure.systemError = static_cast<int>(info<long>(easy_, CURLINFO_OS_ERRNO));
   failure.verifyResult = info<long>(easy_, CURLINFO_SSL_VERIFYRESULT);
   failure.connected = connected();

@@ -84,6 +84,7 @@ class CurlTransfer {
   /// Bytes of requests that had gone out when this one was about to be sent for the first time.
   std::optional<long> sentAtFirst_;
   std::size_t maximumBodySize_ = 0;
+  bool hasProxy_ = false;
   bool bodyTooLarge_ = false;
 };
 

@@ -12,16 +12,21 @@ namespace {
 using Kind = HTTPError::Kind;
 using Verdict = std::pair<Kind, std::string>;
 
-Verdict connectVerdict(int systemError) {
+/// No connection, for that reason, to what libcurl was to connect to.
+Verdict connectVerdict(const std::string& reason, const TransferFailure& failure) {
+  return {Kind::cannotConnect, reason + ": " + (failure.hasProxy ? "the proxy for " : "") + failure.server};
+}
+
+const char* connectReason(int systemError) {
   switch (systemError) {
     case ECONNREFUSED:
-      return {Kind::cannotConnect, "connection refused"};
+      return "connection refused";
     case ENETUNREACH:
-      return {Kind::cannotConnect, "network unreachable"};
+      return "network unreachable";
     case EHOSTUNREACH:
-      return {Kind::cannotConnect, "host unreachable"};
+      return "host unreachable";
     default:
-      return {Kind::cannotConnect, "could not connect"};
+      return "could not connect";
   }
 }
 
@@ -39,16 +44,16 @@ Verdict verdict(const TransferFailure& failure) {
   if (failure.bodyTooLarge) return {Kind::answerTooLarge, "the answer is too large"};
   switch (failure.code) {
     case CURLE_COULDNT_RESOLVE_HOST:
-      return {Kind::cannotFindHost, "could not resolve host"};
+      return {Kind::cannotFindHost, "could not resolve host: " + failure.server};
     case CURLE_COULDNT_RESOLVE_PROXY:
       return {Kind::cannotFindHost, "could not resolve proxy"};
     case CURLE_COULDNT_CONNECT:
-      return connectVerdict(failure.systemError);
+      return connectVerdict(connectReason(failure.systemError), failure);
     case CURLE_PROXY:
-      return {Kind::cannotConnect, "the proxy refused the connection"};
+      return {Kind::cannotConnect, "the proxy refused the connection: " + failure.server};
     case CURLE_OPERATION_TIMEDOUT:
       if (failure.connected) return {Kind::timedOut, "timed out"};
-      return {Kind::cannotConnect, "connecting timed out"};
+      return connectVerdict("connecting timed out", failure);
 
     case CURLE_PEER_FAILED_VERIFICATION:
       return handshakeVerdict(failure.verifyResult, "the certificate is not for this host");

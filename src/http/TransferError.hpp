@@ -5,6 +5,7 @@
 #include <curl/curl.h>
 
 #include <filesystem>
+#include <string>
 
 namespace ZAK {
 
@@ -13,6 +14,10 @@ struct TransferFailure {
   CURLcode code = CURLE_OK;
   /// 0 when no answer came.
   HTTPStatusCode statusCode{};
+  /// Host of the request's URL, and port unless it is the usual one.
+  std::string server{};
+  /// The server was to be reached through a proxy.
+  bool hasProxy = false;
   /// `errno` of the failed system call, 0 when there was none.
   int systemError = 0;
   /// OpenSSL's X509_V_ERR_...; X509_V_OK or X509_V_ERR_UNSPECIFIED when the chain was not what failed.

@@ -6,6 +6,8 @@
 #include <zvapikit/model/MemoriesVideoLocation.hpp>
 #include <zvapikit/platform/Directories.hpp>
 
+#include <boost/url/url_view.hpp>
+
 #include <array>
 #include <map>
 
@@ -54,11 +56,21 @@ MemoriesVideoLocation MemoriesVideoLocation::serverGenerated(const URL& remoteUr
   return generated("server", recapName, remoteUrl.pathExtension(), documentsDirectory);
 }
 
+fs::path MemoriesVideoLocation::path(const fs::path& documentsDirectory) const {
+  if (const std::string* below = documentsPath()) {
+    return fs::absolute(documentsDirectory / fs::path(*below).relative_path());
+  }
+  const URL& url = *absoluteUrl();
+  if (url.scheme() != "file" || !url.host().empty()) throw ZAKError(ZAKError::urlNotValid);
+  return boost::urls::url_view(url.string()).path();
+}
+
 URL MemoriesVideoLocation::url(const fs::path& documentsDirectory) const {
   if (const URL* absolute = absoluteUrl()) return *absolute;
-  const fs::path file = fs::absolute(documentsDirectory / fs::path(*documentsPath()).relative_path());
   std::string text = "file://";
-  for (const fs::path& component : file.relative_path()) text += '/' + percentEncoded(component.native());
+  for (const fs::path& component : path(documentsDirectory).relative_path()) {
+    text += '/' + percentEncoded(component.native());
+  }
   return URL::parse(text).value();
 }
 

@@ -17,6 +17,7 @@ namespace ZAK {
 /// written with `expires_date`, and with `firebase_token` as null when there is none.
 struct ZVAPIKIT_API TokenDto {
   TokenDto() = default;
+  /// All fields, in their order.
   TokenDto(std::string tokenType_, std::string accessToken_, Date expiresDate_, std::string refreshToken_,
            std::string scope_, std::optional<std::string> firebaseToken_)
       : tokenType(std::move(tokenType_)),
@@ -26,12 +27,12 @@ struct ZVAPIKIT_API TokenDto {
         scope(std::move(scope_)),
         firebaseToken(std::move(firebaseToken_)) {}
 
-  std::string tokenType;
-  std::string accessToken;  ///< sent as the bearer
-  Date expiresDate{};       ///< when the token stops being valid
-  std::string refreshToken;
-  std::string scope;
-  std::optional<std::string> firebaseToken;
+  std::string tokenType;                     ///< how the token is sent, for example `bearer`
+  std::string accessToken;                   ///< sent as the bearer of every request
+  Date expiresDate{};                        ///< when the token stops being valid
+  std::string refreshToken;                  ///< exchanged for the next token
+  std::string scope;                         ///< what the token allows, as the server writes it
+  std::optional<std::string> firebaseToken;  ///< as the server gave it, if it did
 
   bool operator==(const TokenDto&) const = default;
   static TokenDto decodeJSON(const JSONValue& json);

@@ -11,7 +11,10 @@
 namespace ZAK {
 
 /// On the strength of what a token is asked for. An unknown text fails to decode.
-enum class TokenGrantType { refresh, firebase };
+enum class TokenGrantType {
+  refresh,  ///< of a refresh token; text `refresh_token`
+  firebase  ///< of a Firebase ID token
+};
 
 template <>
 struct RawValues<TokenGrantType> {
@@ -22,9 +25,11 @@ struct RawValues<TokenGrantType> {
 
 /// The body that asks the authentication server for a token.
 struct TokenRequestDto {
+  /// `TokenGrantType` under its short name.
   using GrantType = TokenGrantType;
 
   TokenRequestDto() = default;
+  /// All fields, in their order.
   TokenRequestDto(GrantType grantType_, std::string clientId_, std::string clientSecret_,
                   std::optional<std::string> refreshToken_, std::optional<std::string> token_)
       : grantType(grantType_),
@@ -33,11 +38,11 @@ struct TokenRequestDto {
         refreshToken(std::move(refreshToken_)),
         token(std::move(token_)) {}
 
-  GrantType grantType = GrantType::refresh;
-  std::string clientId;
-  std::string clientSecret;
-  std::optional<std::string> refreshToken;  ///< for a refresh
-  std::optional<std::string> token;         ///< the Firebase ID token, for a Firebase grant
+  GrantType grantType = GrantType::refresh;  ///< what is offered for the token
+  std::string clientId;                      ///< names the app to the server
+  std::string clientSecret;                  ///< goes with the identifier, one an environment
+  std::optional<std::string> refreshToken;   ///< for a refresh
+  std::optional<std::string> token;          ///< the Firebase ID token, for a Firebase grant
 
   bool operator==(const TokenRequestDto&) const = default;
   static constexpr auto jsonFields() {

@@ -13,12 +13,12 @@ namespace ZAK {
 /// How a step of a phone verification went: the status codes of Vonage's verification service. An unknown text fails to
 /// decode.
 enum class VonageStatusDto {
-  success,
-  invalidRequestId,
-  requestAlreadyVerified,
-  codeAlreadySend,  ///< a code is on its way already
-  invalidCode,
-  wrongCode  ///< too often
+  success,                 ///< 0: the code was sent, or was right
+  invalidRequestId,        ///< 3: there is no such verification
+  requestAlreadyVerified,  ///< 6: the code was right before
+  codeAlreadySend,         ///< 10: a code is on its way already
+  invalidCode,             ///< 16: the code is not the one that was sent
+  wrongCode                ///< 17: a wrong code was given too often
 };
 
 template <>
@@ -34,8 +34,8 @@ struct RawValues<VonageStatusDto> {
 
 /// Body that asks for a code.
 struct VonageRequestCodeDto {
-  std::optional<std::string> deviceId;
-  std::string phoneNumber;
+  std::optional<std::string> deviceId;  ///< `DeviceInfo::deviceId`; left out when absent
+  std::string phoneNumber;              ///< in E.164 form, for example `+33639980101`
 
   bool operator==(const VonageRequestCodeDto&) const = default;
   static constexpr auto jsonFields() {
@@ -46,9 +46,9 @@ struct VonageRequestCodeDto {
 
 /// Whether a code was sent.
 struct VonageRequestCodeResponseDto {
-  std::string vonageRequestId;  ///< names the verification when its code is checked
-  VonageStatusDto status = VonageStatusDto::success;
-  std::optional<std::string> errorText;  ///< why not, in the service's words
+  std::string vonageRequestId;                        ///< names the verification when its code is checked
+  VonageStatusDto status = VonageStatusDto::success;  ///< whether the code was sent
+  std::optional<std::string> errorText;               ///< why not, in the service's words
 
   bool operator==(const VonageRequestCodeResponseDto&) const = default;
   static constexpr auto jsonFields() {
@@ -60,8 +60,8 @@ struct VonageRequestCodeResponseDto {
 
 /// Body that checks a code.
 struct VonageCheckCodeDto {
-  std::string vonageRequestId;
-  std::string code;
+  std::string vonageRequestId;  ///< of the answer to the request for the code
+  std::string code;             ///< as the user typed it
 
   bool operator==(const VonageCheckCodeDto&) const = default;
   static constexpr auto jsonFields() {
@@ -72,10 +72,10 @@ struct VonageCheckCodeDto {
 
 /// Whether a code was right.
 struct VonageCheckCodeResponseDto {
-  VonageStatusDto status = VonageStatusDto::success;
-  std::optional<std::string> token;      ///< signs the user in at Firebase; there on success
-  std::optional<std::string> uid;        ///< the user's identifier; there on success
-  std::optional<std::string> errorText;  ///< why not, in the service's words
+  VonageStatusDto status = VonageStatusDto::success;  ///< whether the code was right
+  std::optional<std::string> token;                   ///< signs the user in at Firebase; there on success
+  std::optional<std::string> uid;                     ///< the user's identifier; there on success
+  std::optional<std::string> errorText;               ///< why not, in the service's words
 
   bool operator==(const VonageCheckCodeResponseDto&) const = default;
   static constexpr auto jsonFields() {

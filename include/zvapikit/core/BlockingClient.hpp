@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zvapikit/Export.hpp>
+
 #include <boost/asio/any_io_executor.hpp>
 #include <boost/asio/awaitable.hpp>
 
@@ -25,8 +27,9 @@ class MobileApiClient;
 /// stands still between runs and goes on in the next one. Destruction ends whatever is left without resuming it.
 ///
 /// Thread safety: one thread at a time, and no other than through `stop` while `run` runs.
-class BlockingClient {
+class ZVAPIKIT_API BlockingClient {
  public:
+  /// Builds the client, with an executor of its own. Nothing is sent.
   /// \throws std::invalid_argument when the context has an executor, and as `MobileApiClient::create`.
   explicit BlockingClient(Context context);
   ~BlockingClient();
@@ -44,7 +47,7 @@ class BlockingClient {
   /// A stop request, from any thread or from what runs meanwhile, cancels the operation, which then ends as a cancelled
   /// one does; one that was made before keeps it from sending anything. What a callback throws leaves `run` too, and
   /// cancels the operation, whose end then is nobody's.
-  /// \throws what the operation throws; std::logic_error when called while it runs.
+  /// \throws std::logic_error when called while it runs; otherwise what the operation throws.
   template <class T>
   T run(boost::asio::awaitable<T> operation, std::stop_token stop = {}) {
     if constexpr (std::is_void_v<T>) {

@@ -15,11 +15,12 @@ namespace ZAK {
 template <class Element>
 struct CollectionDto {
   CollectionDto() = default;
+  /// All fields, in their order.
   CollectionDto(std::vector<Element> data_, std::optional<std::string> next_)
       : data(std::move(data_)), next(std::move(next_)) {}
 
-  std::vector<Element> data;
-  std::optional<std::string> next;  ///< index of the next page
+  std::vector<Element> data;        ///< in the server's order; may be empty
+  std::optional<std::string> next;  ///< index of the next page; absent on the last
 
   /// Where the next page is; the end when there is none.
   [[nodiscard]] CursorDto nextCursor() const { return next ? CursorDto::nextIndex(*next) : CursorDto::end(); }

@@ -9,9 +9,13 @@ namespace ZAK {
 
 /// Which of the back-end's environments a client talks to.
 struct Configuration {
-  enum class Environment { sandbox, production };
+  /// Each has servers, users and tokens of its own.
+  enum class Environment {
+    sandbox,    ///< for trying things out
+    production  ///< the real one
+  };
 
-  Environment environment = Environment::production;
+  Environment environment = Environment::production;  ///< the one that is meant
 
   bool operator==(const Configuration&) const = default;
 };

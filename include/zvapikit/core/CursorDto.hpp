@@ -9,10 +9,15 @@
 namespace ZAK {
 
 /// A position in a paged list: its start, its end, or the page of an index that the server gave.
+///
+/// Thread safety: as a standard container.
 class CursorDto {
  public:
+  /// The page of an index, which `CollectionDto::next` of the page before holds.
   static CursorDto nextIndex(std::string index) { return CursorDto(Position::nextIndex, std::move(index)); }
+  /// The first page.
   static CursorDto start() { return CursorDto(Position::start, {}); }
+  /// Behind the last page.
   static CursorDto end() { return CursorDto(Position::end, {}); }
 
   /// The index; absent at the start, empty at the end.

@@ -9,17 +9,23 @@ namespace ZAK {
 /// each use and skips the call when the object is gone.
 ///
 /// A temporary `shared_ptr` is refused at compile time, since its object would be gone at once.
+///
+/// Thread safety: as a standard container; the delegate itself may go at any time, on any thread.
 template <class Delegate>
 class DelegateReference {
  public:
   DelegateReference() = default;
+  /// No delegate.
   DelegateReference(std::nullptr_t) {}
+  /// A delegate that the host keeps.
   template <class T>
   requires std::convertible_to<T*, Delegate*> DelegateReference(const std::shared_ptr<T>& delegate)
       : delegate_(delegate) {}
+  /// A delegate that nobody else keeps would be gone at once: name it first.
   template <class T>
   requires std::convertible_to<T*, Delegate*> DelegateReference(const std::shared_ptr<T>&& delegate)
   = delete;
+  /// A delegate that the host keeps, held weakly already.
   template <class T>
   requires std::convertible_to<T*, Delegate*> DelegateReference(const std::weak_ptr<T>& delegate)
       : delegate_(delegate) {}

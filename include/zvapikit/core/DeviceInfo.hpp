@@ -9,12 +9,13 @@ namespace ZAK {
 /// with a CR, LF or NUL in one, no request of the client can be sent.
 struct DeviceInfo {
   DeviceInfo() = default;
+  /// All fields, in their order.
   DeviceInfo(std::string platform_, std::string osVersion_, std::string deviceId_)
       : platform(std::move(platform_)), osVersion(std::move(osVersion_)), deviceId(std::move(deviceId_)) {}
 
-  std::string platform;
-  std::string osVersion;
-  std::string deviceId;
+  std::string platform;   ///< kind of device or system, for example `Linux`
+  std::string osVersion;  ///< of the system, for example `6.1`
+  std::string deviceId;   ///< names this device, the same at every start
 
   bool operator==(const DeviceInfo&) const = default;
 };

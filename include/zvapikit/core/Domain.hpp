@@ -4,7 +4,7 @@
 
 namespace ZAK {
 
-/// Marks endpoint groups.
+/// Marks endpoint groups. Thread safety: it has no state.
 class ZVAPIKIT_API Domain {
  public:
   virtual ~Domain() = default;

@@ -7,7 +7,8 @@
 
 namespace ZAK {
 
-/// Nothing of interest: decodes any well-formed JSON, and is written as `{}`.
+/// Nothing of interest: decodes any well-formed JSON, as a call's result also an answer without a body, and is written
+/// as `{}`.
 struct EmptyDto {
   bool operator==(const EmptyDto&) const = default;
   static EmptyDto decodeJSON(const JSONValue&) { return {}; }

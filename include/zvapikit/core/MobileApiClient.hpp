@@ -44,7 +44,7 @@ class ZVAPIKIT_API MobileApiClient final : public Client {
   [[nodiscard]] std::shared_ptr<LoggerDelegate> logger() const override;
   void setLogger(DelegateReference<LoggerDelegate> logger) override;
 
-  /// The context's directories, each with its default where the context named none.
+  /// Where the client's files are: the context's directories, each with its default where the context named none.
   [[nodiscard]] const Directories& directories() const noexcept;
 
   /// Starts an operation, of an endpoint group or any coroutine of the host's own, for hosts that do not `co_await`:
@@ -84,20 +84,22 @@ class ZVAPIKIT_API MobileApiClient final : public Client {
   }
 
   /// Forgets the token, in memory and in the keychain. A token exchange that is under way is not cancelled, but what
-  /// it brings is dropped. Sends nothing; fails only by cancellation.
+  /// it brings is dropped. Sends nothing; fails only by cancellation. Safe to repeat.
   boost::asio::awaitable<void> clear();
 
   /// Does what `clear()` does, then signs the user out of the host's Firebase authentifier, if that is still there.
+  /// Cancelled meanwhile it may have done the first without the second. Safe to repeat.
   boost::asio::awaitable<void> logout();
 
   /// A bare HTTP client over this client's connections, for absolute URLs outside the kit's two servers: no base URL,
   /// none of the kit's headers, no token, no validators but the default one. It follows at most 5 redirects and reports
-  /// to the client's monitor.
+  /// to the client's monitor. Repeats are those that `HTTPClient::create` tells of, up to `HTTPRequest::maxRetries`.
   [[nodiscard]] std::shared_ptr<HTTPClient> buildRaw() const;
 
   /// Sends a request that has a destination through a client as `buildRaw` makes them. Calls for one URL (its query
   /// aside) and destination share a transfer: whoever comes later waits for it and is told of its progress.
-  /// Otherwise as `HTTPClient::fetch`.
+  /// When the call that transfers is cancelled, one that waits takes over. Otherwise as `HTTPClient::fetch`.
+  /// Safe to repeat.
   /// \throws std::invalid_argument when the request has no destination.
   boost::asio::awaitable<HTTPResponse> download(HTTPRequest request);
 

@@ -22,13 +22,13 @@ class ZVAPIKIT_API MonitorDelegate {
  public:
   virtual ~MonitorDelegate() = default;
 
-  /// Once a call, before its first attempt.
+  /// A call begins: once, before its first attempt.
   virtual void didEnqueue(const HTTPRequest& request, const HTTPTransfer& transfer) = 0;
-  /// Once an attempt, at its end.
+  /// An attempt has ended: once for each, whatever came of it.
   virtual void didCollectMetrics(const HTTPRequest& request, const HTTPMetrics& metrics) = 0;
-  /// Once a call, at its end; `error` is null when the call succeeded. A cancelled call is not reported.
+  /// A call has ended: once; `error` is null when it succeeded. A cancelled call is not reported.
   virtual void didComplete(const HTTPRequest& request, const HTTPError* error) = 0;
-  /// Just before `didComplete`; `body` is absent when no answer came or it had no body.
+  /// The answer of a call, just before `didComplete`; `body` is absent when no answer came or it had no body.
   virtual void didReceive(const HTTPRequest& request, std::optional<std::string_view> body) = 0;
 };
 

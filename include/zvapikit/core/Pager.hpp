@@ -19,11 +19,14 @@
 namespace ZAK {
 
 /// A list's next page was said to be one that has been read before: reading on would never end.
+///
+/// Thread safety: as a standard container.
 struct ZVAPIKIT_API RepeatedCursorError : std::runtime_error {
+  /// The list leads back to this page.
   explicit RepeatedCursorError(std::string index_)
       : std::runtime_error("the list leads back to its page \"" + index_ + "\""), index(std::move(index_)) {}
 
-  std::string index;
+  std::string index;  ///< of the page that was read before
 };
 
 /// Reads a paged list to its end, made by `pages`:
@@ -45,7 +48,8 @@ class Pager {
   /// Reads one page, the first without a cursor.
   using Fetch = std::function<boost::asio::awaitable<CollectionDto<Element>>(std::optional<CursorDto>)>;
 
-  /// `maxPages` is the most pages to be read; `nextCursor` then tells where to go on. `start` is where to begin.
+  /// Reads pages by `fetch`, at most `maxPages` of them; `nextCursor` then tells where to go on. `start` is where to
+  /// begin.
   explicit Pager(Fetch fetch, std::optional<std::size_t> maxPages = {}, std::optional<CursorDto> start = {})
       : state_(std::make_shared<State>()) {
     state_->fetch = std::move(fetch);
@@ -58,7 +62,7 @@ class Pager {
   /// \throws RepeatedCursorError instead of reading a page again; this page's elements have been handed out before.
   boost::asio::awaitable<std::optional<std::vector<Element>>> next() { return nextPage(state_); }
   /// The next element; absent behind the last one or at the limit.
-  /// \throws as `next`.
+  /// \throws RepeatedCursorError as `next`.
   boost::asio::awaitable<std::optional<Element>> nextElement() { return nextOne(state_); }
 
   /// Where the next page to be read is: absent before the first, the end behind the last. To go on from there, now or

@@ -10,14 +10,17 @@ namespace ZAK {
 
 /// Where an answer is decoded to: a value and the description of its type. The value must outlive the call it is
 /// handed to.
+///
+/// Thread safety: as a standard container; the value is written by the call that decodes.
 struct DecodeTarget {
+  /// Decodes into this value.
   template <class Result>
   static DecodeTarget of(Result& value) {
     return DecodeTarget{&jsonType<Result>(), &value};
   }
 
-  const JSONType* type = nullptr;
-  void* value = nullptr;
+  const JSONType* type = nullptr;  ///< what the value is
+  void* value = nullptr;           ///< a freshly made one
 };
 
 /// Turns one prepared request into a decoded record, and every failure into an error of the kit.
@@ -27,8 +30,10 @@ class ZVAPIKIT_API RequestExecutor {
  public:
   virtual ~RequestExecutor() = default;
 
-  /// Sends the request and decodes the answer into `target`. The awaitable keeps the executor alive.
-  /// \throws ZAKError, or the error exactly as received when it is none of the HTTP layer's: cancellation, decoding.
+  /// Sends the request, again as often as its `maxRetries` and the client's validators have it, and decodes the answer
+  /// into `target`. The awaitable keeps the executor alive.
+  /// \throws ZAKError for the failures of the HTTP layer; anything else exactly as it was received: cancellation,
+  ///   decoding.
   virtual boost::asio::awaitable<void> execute(HTTPRequest request, DecodeTarget target) = 0;
 };
 

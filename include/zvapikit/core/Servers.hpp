@@ -7,12 +7,15 @@
 
 namespace ZAK {
 
-/// The base URLs of the back-end. The defaults are compiled in (see the deployment settings of the build).
+/// The base URLs of the back-end: absolute, https, without user and query. The defaults are compiled in, from the CMake
+/// cache variables `ZVAPIKIT_MOBILE_PRODUCTION` and so on.
+///
+/// Thread safety: as a standard container.
 struct ZVAPIKIT_API Servers {
-  std::string mobileProduction = compiledIn().mobileProduction;
-  std::string mobileSandbox = compiledIn().mobileSandbox;
-  std::string authProduction = compiledIn().authProduction;
-  std::string authSandbox = compiledIn().authSandbox;
+  std::string mobileProduction = compiledIn().mobileProduction;  ///< mobile API, `Environment::production`
+  std::string mobileSandbox = compiledIn().mobileSandbox;        ///< mobile API, `Environment::sandbox`
+  std::string authProduction = compiledIn().authProduction;      ///< authentication server, `Environment::production`
+  std::string authSandbox = compiledIn().authSandbox;            ///< authentication server, `Environment::sandbox`
 
   /// Base of the mobile API in an environment.
   [[nodiscard]] const std::string& mobile(Configuration::Environment environment) const noexcept {

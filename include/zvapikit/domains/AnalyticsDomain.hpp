@@ -10,14 +10,14 @@
 
 namespace ZAK {
 
-/// Analytics. Executors, lifetimes, cancellation and errors are those of `MobileApiDomain` and `Client`.
+/// Analytics. Thread safety, executors, lifetimes, cancellation and errors are those of `MobileApiDomain` and `Client`.
 class ZVAPIKIT_API AnalyticsDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;
 
-  /// Sends a batch of events in their order, each as it stands; no events are sent as none. Repeated after a lost
-  /// answer the batch may be counted twice. \throws EncodingError before anything is sent, when an event has no JSON
-  /// form.
+  /// Sends a batch of events in their order, each as it stands; no events are sent as none. Not safe to repeat blindly:
+  /// the batch may be counted twice. The kit itself does not send it again when the connection fails.
+  /// \throws EncodingError before anything is sent, when an event has no JSON form.
   boost::asio::awaitable<void> send(std::vector<AnalyticsEventDto> events);
 };
 

@@ -12,8 +12,9 @@
 
 namespace ZAK {
 
-/// The users whom the user has blocked. Every operation is safe to repeat. Executors, lifetimes, cancellation and
-/// errors are those of `MobileApiDomain` and `Client`.
+/// The users whom the user has blocked. Every operation is safe to repeat; all but `blockUser` are sent again by the
+/// kit when the connection fails. Thread safety, executors, lifetimes, cancellation and errors are those of
+/// `MobileApiDomain` and `Client`.
 class ZVAPIKIT_API ModerationBlockDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;

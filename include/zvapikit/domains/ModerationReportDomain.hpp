@@ -13,8 +13,9 @@
 
 namespace ZAK {
 
-/// Reports to the moderators. Each call makes a report: repeated after a lost answer it may make a second one.
-/// Executors, lifetimes, cancellation and errors are those of `MobileApiDomain` and `Client`.
+/// Reports to the moderators. Not safe to repeat blindly: repeated after a lost answer a call may make a second report.
+/// The kit itself does not send it again when the connection fails. Thread safety, executors, lifetimes, cancellation
+/// and errors are those of `MobileApiDomain` and `Client`.
 class ZVAPIKIT_API ModerationReportDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;

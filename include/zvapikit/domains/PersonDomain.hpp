@@ -12,8 +12,9 @@
 
 namespace ZAK {
 
-/// Other users. Every operation reads as the signed-in user and is safe to repeat. Executors, lifetimes, cancellation
-/// and errors are those of `MobileApiDomain` and `Client`.
+/// Other users. Every operation reads as the signed-in user, is safe to repeat, and is sent again by the kit when the
+/// connection fails. Thread safety, executors, lifetimes, cancellation and errors are those of `MobileApiDomain` and
+/// `Client`.
 class ZVAPIKIT_API PersonDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;

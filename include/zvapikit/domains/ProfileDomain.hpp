@@ -16,8 +16,10 @@
 namespace ZAK {
 
 /// The user's own profile. Every operation yields the profile as it is afterwards, and is safe to repeat unless it says
-/// otherwise. Executors, lifetimes, cancellation and errors are those of `MobileApiDomain` and `Client`; only what an
-/// operation adds to them is told here.
+/// otherwise. When a connection fails the kit itself sends again what reads, replaces or removes: `fetch`,
+/// `updateProfilePicture`, `updateQuiblet`, and what begins with `delete`. Thread safety, executors, lifetimes,
+/// cancellation and errors are those of `MobileApiDomain` and `Client`; only what an operation adds to them is told
+/// here.
 class ZVAPIKIT_API ProfileDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;
@@ -31,7 +33,8 @@ class ZVAPIKIT_API ProfileDomain : public MobileApiDomain {
   boost::asio::awaitable<ProfileDto> fetch();
   /// Changes what `infos` holds and leaves the rest alone.
   boost::asio::awaitable<ProfileDto> update(ProfileInformationDto infos);
-  /// Changes the user name, or clears it when there is none.
+  /// Changes the user name, or clears it when there is none. One that somebody else has fails with the key
+  /// `usernameNotAvailable`.
   boost::asio::awaitable<ProfileDto> updateUsername(std::optional<std::string> username);
   /// Moves the user to another region.
   boost::asio::awaitable<ProfileDto> updateRegion(RegionCodeDto region);
@@ -39,7 +42,7 @@ class ZVAPIKIT_API ProfileDomain : public MobileApiDomain {
   /// takes the place of an earlier one of that name and stays there, and sent as a form with that file
   /// (RFC 7578). `sent` is told of the bytes that have gone out, as `HTTPProgress` does.
   /// \throws ZAKError `uploadfileNameNotValid`, before anything is written, when the name is empty, forms no URL, or
-  ///   holds `/`, `..` or NUL; std::system_error when the file cannot be written.
+  ///   holds `/`, `..` or NUL; std::system_error when the file cannot be written. Nothing is sent then.
   boost::asio::awaitable<ProfileDto> updateProfilePicture(std::string data, std::string name,
                                                           HTTPProgress::Function sent = {});
   /// Removes the profile picture.

@@ -16,9 +16,12 @@
 namespace ZAK {
 
 /// Friends, suggestions and friend requests. Every operation is made as the signed-in user; the lists are read page by
-/// page, the first without a cursor (see `pages` for reading them all). Executors, lifetimes, cancellation and errors
-/// are those of `MobileApiDomain` and `Client`; only what an operation adds to them is told here. Everything is safe to
-/// repeat: what is done already is refused by the server, and stays done.
+/// page, the first without a cursor (see `pages` for reading them all). Thread safety, executors, lifetimes,
+/// cancellation and errors are those of `MobileApiDomain` and `Client`; only what an operation adds to them is told
+/// here.
+///
+/// Everything is safe to repeat: what is done already is refused by the server, and stays done. When a connection fails
+/// the kit itself sends the lists, `hideSuggestion` and `removeFriend` again.
 class ZVAPIKIT_API RelationshipsDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;
@@ -48,7 +51,7 @@ class ZVAPIKIT_API RelationshipsDomain : public MobileApiDomain {
   boost::asio::awaitable<void> hideSuggestion(UserId id);
   /// Ends a friendship.
   boost::asio::awaitable<void> removeFriend(UserId id);
-  /// Which phone numbers of an address book belong to users.
+  /// Which phone numbers of an address book, in E.164 form, belong to users.
   boost::asio::awaitable<std::vector<RelationshipsPersonDto>> retrieveExistingContacts(
       std::vector<std::string> phoneNumbers);
 };

@@ -12,12 +12,14 @@
 
 namespace ZAK {
 
-/// The search for users. Executors, lifetimes, cancellation and errors are those of `MobileApiDomain` and `Client`.
+/// The search for users. Thread safety, executors, lifetimes, cancellation and errors are those of `MobileApiDomain`
+/// and `Client`.
 class ZVAPIKIT_API SearchDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;
 
-  /// The users whose names fit `query`, at most `limit` of them. Safe to repeat.
+  /// The users whose names fit `query`, at most `limit` of them. Safe to repeat, and sent again by the kit when the
+  /// connection fails. Cancel a search that a newer one replaces.
   boost::asio::awaitable<CollectionDto<SearchPersonDto>> searchPersons(std::string query, std::int64_t limit);
 };
 

@@ -9,8 +9,9 @@
 
 namespace ZAK {
 
-/// The settings of the app and of its push notifications. Every operation is safe to repeat. Executors, lifetimes,
-/// cancellation and errors are those of `MobileApiDomain` and `Client`.
+/// The settings of the app and of its push notifications. Every operation is safe to repeat, and is sent again by the
+/// kit when the connection fails. Thread safety, executors, lifetimes, cancellation and errors are those of
+/// `MobileApiDomain` and `Client`.
 class ZVAPIKIT_API SettingsDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;

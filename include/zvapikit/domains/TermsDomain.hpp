@@ -9,8 +9,9 @@
 
 namespace ZAK {
 
-/// The terms and consents that the user accepts or declines. Every operation is safe to repeat. Executors, lifetimes,
-/// cancellation and errors are those of `MobileApiDomain` and `Client`.
+/// The terms and consents that the user accepts or declines. Every operation is safe to repeat, and is sent again by
+/// the kit when the connection fails. Thread safety, executors, lifetimes, cancellation and errors are those of
+/// `MobileApiDomain` and `Client`.
 class ZVAPIKIT_API TermsDomain : public MobileApiDomain {
  public:
   using MobileApiDomain::MobileApiDomain;

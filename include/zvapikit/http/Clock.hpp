@@ -17,6 +17,7 @@ class ZVAPIKIT_API Clock {
  public:
   virtual ~Clock() = default;
 
+  /// The instant at which it is called.
   [[nodiscard]] virtual Date now() const = 0;
   /// Resumes on the caller's executor when `duration` is over. Cancellation of any type ends the wait at once with
   /// `operation_aborted`. The awaitable keeps the clock alive.

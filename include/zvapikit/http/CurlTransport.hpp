@@ -28,8 +28,11 @@ namespace ZAK {
 /// Redirects: followed for GET and HEAD only and to https only; for any other method, and when `maxRedirects` is 0, a
 /// 3xx is an answer. A redirect to another scheme, host or port carries none of the request's headers, and nor does
 /// what follows it.
+///
+/// Thread safety: any number of transfers at once, from any thread.
 class ZVAPIKIT_API CurlTransport {
  public:
+  /// A transport of its own. Nothing is connected yet.
   /// \throws std::invalid_argument when the executor is empty.
   [[nodiscard]] static std::shared_ptr<Transport> create(boost::asio::any_io_executor executor,
                                                          TransportOptions options = {});

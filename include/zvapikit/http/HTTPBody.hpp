@@ -16,7 +16,10 @@ namespace ZAK {
 
 class HTTPBodyPart;
 
-/// The body of a request with its media type. Copies share the bytes, and files are read while they are sent.
+/// The body of a request with its media type. Copies share the bytes, and files are read while they are sent, so that
+/// a file must not change meanwhile.
+///
+/// Thread safety: as a standard container.
 class ZVAPIKIT_API HTTPBody {
  public:
   /// A stretch of a body: bytes in memory, or the whole of a file.
@@ -55,6 +58,7 @@ class ZVAPIKIT_API HTTPBody {
 
   /// False for a request without a body, true also for a body of no bytes.
   [[nodiscard]] bool isPresent() const noexcept { return pieces_ != nullptr; }
+  /// The media type; empty when no Content-Type is to be sent.
   [[nodiscard]] const std::string& contentType() const noexcept { return contentType_; }
 
   /// The whole body in one string, its files read into it: for tests and monitors.
@@ -73,6 +77,8 @@ class ZVAPIKIT_API HTTPBody {
 };
 
 /// One part of a `multipart/form-data` body.
+///
+/// Thread safety: as a standard container.
 class HTTPBodyPart {
  public:
   /// The part's content and type are the body's. `name` and `fileName` are UTF-8; quotes and line breaks in them are
@@ -80,8 +86,11 @@ class HTTPBodyPart {
   HTTPBodyPart(std::string name, HTTPBody body, std::optional<std::string> fileName = std::nullopt)
       : name_(std::move(name)), body_(std::move(body)), fileName_(std::move(fileName)) {}
 
+  /// The name of the form's field.
   [[nodiscard]] const std::string& name() const noexcept { return name_; }
+  /// The field's content with its media type.
   [[nodiscard]] const HTTPBody& body() const noexcept { return body_; }
+  /// The name of the file that the content is; absent for a plain field.
   [[nodiscard]] const std::optional<std::string>& fileName() const noexcept { return fileName_; }
 
  private:

@@ -11,8 +11,11 @@
 namespace ZAK {
 
 /// The network side of one call: what is really asked, and a number to tell calls apart.
+///
+/// Thread safety: as a standard container.
 class ZVAPIKIT_API HTTPTransfer {
  public:
+  /// The call of this number, to this URL.
   HTTPTransfer(std::uint64_t identifier, URL url) : identifier_(identifier), url_(std::move(url)) {}
 
   /// Different for every call of the process.

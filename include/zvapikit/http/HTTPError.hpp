@@ -16,6 +16,7 @@ namespace ZAK {
 /// Thread safety: immutable; copies share the text.
 class ZVAPIKIT_API HTTPError : public std::exception {
  public:
+  /// What went wrong.
   enum class Kind {
     status,                  ///< an answer came, with a status outside 2xx
     rejected,                ///< a validator refused the answer; `underlyingError()` says why
@@ -34,7 +35,7 @@ class ZVAPIKIT_API HTTPError : public std::exception {
     other                    ///< anything else; see `transportCode()`
   };
 
-  /// A failure without an answer (`status()` is 0) or after one. `transportCode` is libcurl's, 0 when it had none.
+  /// A failure without an answer (`status` is 0) or after one. `transportCode` is libcurl's, 0 when it had none.
   HTTPError(Kind kind, HTTPStatusCode status, std::string message, int transportCode = 0,
             std::shared_ptr<const std::exception> underlyingError = nullptr);
   /// The error of an answer whose status is outside 2xx.
@@ -42,10 +43,12 @@ class ZVAPIKIT_API HTTPError : public std::exception {
   /// The error of decoding a record from an answer without a byte.
   static HTTPError emptyResponse(HTTPStatusCode status);
 
+  /// What went wrong.
   [[nodiscard]] Kind kind() const noexcept { return state_->kind; }
   /// The answer's status; 0 when no answer came.
   [[nodiscard]] HTTPStatusCode statusCode() const noexcept { return state_->status; }
-  /// For people: `HTTP 404 Not Found`, `connection refused`, ...
+  /// For people: `HTTP 404 Not Found`, `connection refused: mobile.zolvi.example`, ... Of the URL it names the host,
+  /// and a port that is not the usual one, at most.
   [[nodiscard]] const std::string& description() const noexcept { return state_->message; }
   /// What a validator found, for example an `ErrorDto`, or what the file system said; null when there is none.
   [[nodiscard]] const std::shared_ptr<const std::exception>& underlyingError() const noexcept {

@@ -14,13 +14,15 @@ namespace ZAK {
 /// Thread safety: as a standard container.
 class ZVAPIKIT_API HTTPHeaders {
  public:
-  /// One field: a name and a value, which may be empty and is then sent empty.
+  /// One field: a name and a value, which may be empty and is then sent empty. A CR, LF or NUL in either is refused
+  /// when a request is sent.
   struct Element {
     Element() = default;
+    /// All fields, in their order.
     Element(std::string name_, std::string value_) : name(std::move(name_)), value(std::move(value_)) {}
 
-    std::string name;
-    std::string value;
+    std::string name;   ///< without the colon
+    std::string value;  ///< as it is sent
 
     bool operator==(const Element&) const = default;
 
@@ -48,7 +50,9 @@ class ZVAPIKIT_API HTTPHeaders {
   void remove(std::string_view name);
   /// The value of the element of that name; absent when there is none.
   [[nodiscard]] std::optional<std::string> value(std::string_view name) const;
+  /// True when there is an element of that name.
   [[nodiscard]] bool contains(std::string_view name) const noexcept;
+  /// All of them, in their order.
   [[nodiscard]] const std::vector<Element>& elements() const noexcept { return elements_; }
 
   bool operator==(const HTTPHeaders&) const = default;

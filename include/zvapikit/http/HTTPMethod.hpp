@@ -7,7 +7,14 @@
 namespace ZAK {
 
 /// The request methods of RFC 9110 (and RFC 5789's PATCH) that the kit uses.
-enum class HTTPMethod { get, head, post, put, patch, delete_ };
+enum class HTTPMethod {
+  get,     ///< GET
+  head,    ///< HEAD
+  post,    ///< POST
+  put,     ///< PUT
+  patch,   ///< PATCH
+  delete_  ///< DELETE
+};
 
 /// The method as it stands on the request line, for example `GET`.
 [[nodiscard]] ZVAPIKIT_API std::string_view rawValue(HTTPMethod method) noexcept;

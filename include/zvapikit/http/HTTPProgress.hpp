@@ -16,11 +16,14 @@ namespace ZAK {
 /// call throws.
 ///
 /// Every attempt, and every request that a redirect leads to, counts from 0 again.
+///
+/// Thread safety: as a standard container.
 struct HTTPProgress {
   /// Bytes so far, and in all; the latter is absent when nobody knows.
   using Function = std::function<void(std::uint64_t done, std::optional<std::uint64_t> total)>;
 
   HTTPProgress() = default;
+  /// All fields, in their order.
   HTTPProgress(Function sent_, Function received_) : sent(std::move(sent_)), received(std::move(received_)) {}
 
   /// Of the request's body; not called for a request without one.

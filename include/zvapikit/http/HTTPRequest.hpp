@@ -33,14 +33,17 @@ class ZVAPIKIT_API HTTPRequest {
   /// A request to an absolute URL, outside any base.
   HTTPRequest(HTTPMethod method, const URL& url);
 
+  /// Decides also whether the request may be sent again after a failed transfer: see `isIdempotent`.
   HTTPMethod method;
   /// Sent after the client's default headers, replacing those of the same name. A Content-Type here replaces the
   /// body's own.
   HTTPHeaders headers;
+  /// What is sent; none by default.
   HTTPBody body;
-  /// Longest time without progress; absent means the transport's default.
+  /// Longest time without progress; absent means the transport's default, `TransportOptions::stallTimeout`.
   std::optional<std::chrono::milliseconds> timeout;
-  /// How often the request may be sent again, whatever the reasons. The first attempt is no retry.
+  /// How often the request may be sent again, whatever the reasons. The first attempt is no retry. An authenticated
+  /// `Client::fire` replaces it.
   int maxRetries = 0;
   /// How many redirects are followed (https only); absent means the client's default.
   std::optional<int> maxRedirects;
@@ -52,15 +55,17 @@ class ZVAPIKIT_API HTTPRequest {
   /// is not taken for whole. See also `HTTPResponse::file`. When it cannot be created nothing is sent, and the call
   /// ends with an `HTTPError` of kind `fileSystem`, as it does when a write fails.
   std::optional<std::filesystem::path> destination;
+  /// Whom to tell of the bytes sent and received.
   HTTPProgress progress;
 
   /// Appends to the query, behind what the URI itself may hold. Names and values are percent-encoded when sent.
   void add(URLQueryItem queryItem);
   /// Appends a query parameter that has a value.
   void addParameter(std::string name, std::string value);
+  /// What was added to the query so far, in order.
   [[nodiscard]] const std::vector<URLQueryItem>& queryItems() const noexcept { return queryItems_; }
 
-  /// True when a variable is `.` or `..`: template expansion keeps it, and a server would read it as climbing the path.
+  /// True when a variable is one dot or two: template expansion keeps them, and a server would climb the path by them.
   /// Such a request is never sent.
   [[nodiscard]] bool climbsPath() const noexcept;
 

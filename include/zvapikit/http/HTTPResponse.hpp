@@ -12,9 +12,12 @@
 namespace ZAK {
 
 /// How an exchange ended: with an answer, with an error, or with both.
+///
+/// Thread safety: as a standard container.
 struct HTTPResponse {
-  /// 0 when no answer came.
+  /// The answer's status; 0 when no answer came.
   HTTPStatusCode statusCode;
+  /// The answer's headers.
   HTTPHeaders headers;
   /// The body, decompressed; empty when there was none, or when it went to a file.
   std::string body;
@@ -23,7 +26,7 @@ struct HTTPResponse {
   std::optional<std::filesystem::path> file{};
   /// Present when no whole answer came, its status is outside 2xx, or a validator refused it.
   std::optional<HTTPError> error;
-  /// Of the last attempt.
+  /// What the last attempt cost.
   HTTPMetrics metrics;
   /// True once the first line of an answer has come, so that the server has acted on the request; set by the client.
   bool answerStarted = false;

@@ -12,11 +12,15 @@
 namespace ZAK {
 
 /// What a validator decided about an answer.
+///
+/// Thread safety: as a standard container.
 class HTTPValidatorResult {
  public:
+  /// The next validator is to decide.
   struct Next {};
+  /// The call fails.
   struct Fail {
-    std::shared_ptr<const std::exception> error;
+    std::shared_ptr<const std::exception> error;  ///< why
   };
 
   /// Hand the response on to the next validator.
@@ -29,7 +33,9 @@ class HTTPValidatorResult {
   /// End the chain and send the request again; counts as `next()` once the request's retries are used up.
   static HTTPValidatorResult retry(HTTPRetryStrategy strategy) { return HTTPValidatorResult(std::move(strategy)); }
 
+  /// Null unless the call fails.
   [[nodiscard]] const Fail* failure() const noexcept { return std::get_if<Fail>(&value_); }
+  /// Null unless the request is to be sent again.
   [[nodiscard]] const HTTPRetryStrategy* retryStrategy() const noexcept {
     return std::get_if<HTTPRetryStrategy>(&value_);
   }
@@ -47,8 +53,8 @@ class HTTPValidatorResult {
 class ZVAPIKIT_API HTTPValidator {
  public:
   virtual ~HTTPValidator() = default;
-  /// `response.error` is set when the attempt failed or its status is outside 2xx. Must not block. An exception
-  /// ends the call as it is.
+  /// Judges one attempt. `response.error` is set when it failed or its status is outside 2xx. Must not block. An
+  /// exception ends the call as it is. Not called for an attempt that was cancelled.
   virtual HTTPValidatorResult validate(const HTTPResponse& response, const HTTPRequest& request) = 0;
 };
 

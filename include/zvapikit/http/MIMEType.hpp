@@ -6,10 +6,9 @@ namespace ZAK {
 
 /// The media types that the kit sends.
 struct MIMEType {
-  static constexpr std::string_view json = "application/json";
-  static constexpr std::string_view octetStream = "application/octet-stream";
-  /// Type of every picture that is uploaded.
-  static constexpr std::string_view uploadImage = "image/jpeg";
+  static constexpr std::string_view json = "application/json";                 ///< of records
+  static constexpr std::string_view octetStream = "application/octet-stream";  ///< of any bytes
+  static constexpr std::string_view uploadImage = "image/jpeg";                ///< of every picture that is uploaded
 };
 
 }  // namespace ZAK

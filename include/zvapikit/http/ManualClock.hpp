@@ -15,6 +15,7 @@ namespace ZAK {
 /// Thread safety: callable from any thread.
 class ZVAPIKIT_API ManualClock final : public Clock {
  public:
+  /// How waits end.
   enum Mode {
     manual,      ///< a wait lasts until `advance` or `set` reaches its end
     autoAdvance  ///< a wait moves the clock to its end by itself and is over, without sleeping
@@ -28,6 +29,7 @@ class ZVAPIKIT_API ManualClock final : public Clock {
   /// As in `Clock`. Until it is over it counts as work of the caller's executor.
   boost::asio::awaitable<void> wait(std::chrono::milliseconds duration) override;
 
+  /// Moves the clock on; waits whose end is reached are over.
   void advance(std::chrono::microseconds duration);
   /// Sets the time, also backwards; waits whose end is reached are over.
   void set(Date now);

@@ -18,6 +18,7 @@ namespace ZAK {
 /// Thread safety: callable from any thread.
 class ZVAPIKIT_API ScriptedHold {
  public:
+  /// A hold that nobody has released.
   ScriptedHold();
 
   /// Lets everything held go; whatever comes later is not held at all.
@@ -34,10 +35,19 @@ class ZVAPIKIT_API ScriptedHold {
 };
 
 /// How a `ScriptedTransport` ends one attempt.
+///
+/// Thread safety: as a standard container.
 class ZVAPIKIT_API ScriptedAnswer {
  public:
   /// An answer of that status.
   explicit ScriptedAnswer(int status, std::string body = {}, HTTPHeaders headers = HTTPHeaders());
+  /// An answer that holds a value as JSON, as the server writes it. An empty `URL` in it is written but not read back.
+  /// \throws EncodingError when a part of the value has no JSON form.
+  template <class T>
+  static ScriptedAnswer json(const T& value, int status = 200) {
+    return ScriptedAnswer(status, JSONEncoder().encode(value),
+                          HTTPHeaders({HTTPHeaders::Element::contentType(MIMEType::json)}));
+  }
   /// A failed transfer. It counts as begun to be answered when the error has a status.
   explicit ScriptedAnswer(const HTTPError& error);
 
@@ -51,13 +61,12 @@ class ZVAPIKIT_API ScriptedAnswer {
 ///     auto transport = std::make_shared<ScriptedTransport>();
 ///     transport->signIn();
 ///     transport->add(HTTPMethod::get, "/content/posts/p1", ScriptedAnswer(200, R"({"id":"p1"})"));
-///     auto client = MobileApiClient::create({.executor = io.get_executor(),
-///                                            .keychain = std::make_shared<InMemoryKeychain>(),
-///                                            .testTransport = transport});
+///     auto client = MobileApiClient::create({.executor = io.get_executor(), .testTransport = transport});
 ///
 /// Thread safety: callable from any thread.
 class ZVAPIKIT_API ScriptedTransport final : public Transport {
  public:
+  /// A transport without a script.
   ScriptedTransport();
   ~ScriptedTransport() override;
 

@@ -20,15 +20,20 @@
 namespace ZAK {
 
 /// One attempt, exactly as it goes out.
+///
+/// Thread safety: as a standard container.
 struct TransferRequest {
+  /// How it is asked.
   HTTPMethod method = HTTPMethod::get;
   /// Absolute, https, with its query.
   std::string url;
   /// All headers but those of the connection itself (Host, Content-Length, ...).
   HTTPHeaders headers;
+  /// What is sent; perhaps nothing.
   HTTPBody body;
   /// Longest time without progress; absent means the transport's default.
   std::optional<std::chrono::milliseconds> timeout;
+  /// How many redirects are followed.
   int maxRedirects = 0;
   /// As in `HTTPRequest`.
   std::optional<std::filesystem::path> destination{};
@@ -43,6 +48,8 @@ struct TransferRequest {
 };
 
 /// How one attempt ended.
+///
+/// Thread safety: as a standard container.
 struct TransferResult {
   /// Holds no error for an answer of any status: judging it is the client's business. Holds one (and perhaps a status
   /// and part of a body) when the transfer itself failed.
@@ -61,9 +68,10 @@ class ZVAPIKIT_API Transport {
  public:
   virtual ~Transport() = default;
 
-  /// Resumes on the caller's executor. Failures of the transfer are in the result; what is thrown is
-  /// `boost::system::system_error` with `operation_aborted` after a cancellation of any type, which ends the transfer
-  /// at once, or what a function of the request's progress throws. The awaitable keeps the transport alive.
+  /// Makes one attempt, and never a second. Resumes on the caller's executor. Failures of the transfer are in the
+  /// result. Cancellation of any type ends the transfer at once. The awaitable keeps the transport alive.
+  /// \throws boost::system::system_error of `operation_aborted` after a cancellation; what a function of the request's
+  ///   progress throws.
   virtual boost::asio::awaitable<TransferResult> perform(TransferRequest request) = 0;
 };
 

@@ -13,14 +13,21 @@
 
 namespace ZAK {
 
-/// The bytes to decode. A string with spare capacity is decoded without a copy of it.
+/// The bytes to decode. A string with spare capacity is decoded without a copy of it. It refers to the text, which
+/// must outlive it.
+///
+/// Thread safety: as a standard container.
 class JSONBody {
  public:
+  /// A string, with what it has to spare.
   JSONBody(const std::string& text) noexcept  // NOLINT: meant to convert
       : text_(text), padding_(text.capacity() - text.size()) {}
+  /// A stretch of text; nothing behind it is read.
   JSONBody(std::string_view text) noexcept : text_(text) {}  // NOLINT: meant to convert
-  JSONBody(const char* text) noexcept : text_(text) {}       // NOLINT: meant to convert
+  /// A literal.
+  JSONBody(const char* text) noexcept : text_(text) {}  // NOLINT: meant to convert
 
+  /// The bytes themselves.
   [[nodiscard]] std::string_view text() const noexcept { return text_; }
   /// With so many bytes to spare behind it, a text is not copied.
   static constexpr std::size_t wantedPadding = 64;
@@ -45,6 +52,7 @@ class ZVAPIKIT_API JSONDecoder {
   /// `now` is what `JSONValue::now()` yields; without one it is the machine's clock.
   explicit JSONDecoder(JSONDateStrategy dates = JSONDateStrategy::javaScriptISO8601, std::function<Date()> now = {});
 
+  /// The value that the body holds.
   /// \throws DecodingError when the body is not the JSON of a `T`.
   template <class T>
   [[nodiscard]] T decode(JSONBody body) const {
@@ -55,6 +63,7 @@ class ZVAPIKIT_API JSONDecoder {
 
   /// The same into `value`, which points to a freshly made object of the described type. After a throw its content is
   /// unspecified.
+  /// \throws DecodingError as above.
   void decode(JSONBody body, const JSONType& type, void* value) const;
 
  private:

@@ -15,8 +15,10 @@ namespace ZAK {
 /// Thread safety: immutable; use one encoder from any number of threads.
 class ZVAPIKIT_API JSONEncoder {
  public:
+  /// An encoder that writes dates by this strategy.
   explicit JSONEncoder(JSONDateStrategy dates = JSONDateStrategy::javaScriptISO8601) noexcept : dates_(dates) {}
 
+  /// The value as JSON.
   /// \throws EncodingError when a part of the value has no JSON form.
   template <class T>
   [[nodiscard]] std::string encode(const T& value) const {
@@ -24,6 +26,7 @@ class ZVAPIKIT_API JSONEncoder {
   }
 
   /// The same for an object of the described type.
+  /// \throws EncodingError as above.
   [[nodiscard]] std::string encode(const JSONType& type, const void* value) const;
 
  private:

@@ -7,6 +7,7 @@
 
 namespace ZAK {
 
+/// How much of a body is shown.
 enum class JSONPrinting {
   /// Everything as it stands; the text of a parse error quotes what was last read.
   whole,
@@ -16,7 +17,7 @@ enum class JSONPrinting {
 };
 
 /// A body for people: indented, keys sorted, slashes unescaped. A body that is not JSON, or nested deeper than 512,
-/// gives the parser's error text, one that is not UTF-8 gives `-`.
+/// gives the parser's error text, one that is not UTF-8 gives `-`. Callable from any thread.
 [[nodiscard]] ZVAPIKIT_API std::string prettyPrinted(std::string_view body,
                                                      JSONPrinting printing = JSONPrinting::whole);
 

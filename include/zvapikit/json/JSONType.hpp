@@ -37,19 +37,26 @@ struct JSONType;
 ///
 /// A member of type `std::optional` or `NullEncodable` may be missing or null; every other key is required. A record
 /// has at most 64 fields; one that contains itself has hooks in place of a table.
+///
+/// Thread safety: as a standard container.
 struct JSONField {
-  std::string_view key;
-  const JSONType* type;
-  void* (*member)(void* record);
-  bool required;
+  std::string_view key;           ///< as it stands in JSON
+  const JSONType* type;           ///< what the member is
+  void* (*member)(void* record);  ///< the member of a record
+  bool required;                  ///< false for a member that may be missing or null
 
+  /// The row of a member, a constant: `JSONField::of<&MediaDto::url>("url")`.
   template <auto Member>
   static constexpr JSONField of(std::string_view key);
 };
 
 /// What decoder and encoder know of a C++ type, with the type itself forgotten. One constant for each type, made by
 /// `jsonType<T>()` only. A shared library and its host may each have their own of a type; that of `EmptyDto` is one.
+/// What it holds is the codec's own business.
+///
+/// Thread safety: constant.
 struct JSONType {
+  /// \cond
   enum class Kind : unsigned char {
     boolean,
     integer,
@@ -98,6 +105,7 @@ struct JSONType {
   std::uint64_t required = 0;
   void (*decode)(void* record, const JSONValue& value) = nullptr;
   void (*encode)(const void* record, JSONWriter& writer) = nullptr;
+  /// \endcond
 };
 
 /// A type with a field table.

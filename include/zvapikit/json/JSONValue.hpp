@@ -14,15 +14,17 @@ struct JSONNode;
 }
 
 /// One value of a body that is being decoded, as a `decodeJSON` hook sees it. The date strategy of the decoder holds
-/// for every read. All reads throw `DecodingError`, with the path from the top of the body.
+/// for every read.
 ///
-/// Valid only during the hook's call. A body that does not decode is read a second time to tell why, so a hook may be
-/// called twice for one value.
+/// Valid only during the hook's call, and for its thread alone. A body that does not decode is read a second time to
+/// tell why, so a hook may be called twice for one value.
 class ZVAPIKIT_API JSONValue {
  public:
+  /// Made by the decoder alone.
   explicit JSONValue(const detail::JSONNode& node) noexcept : node_(&node) {}
 
   /// The value itself.
+  /// \throws DecodingError with the path from the top of the body, as every read.
   template <class T>
   [[nodiscard]] T as() const {
     T result{};
@@ -31,6 +33,7 @@ class ZVAPIKIT_API JSONValue {
   }
 
   /// The value under `key` of this object.
+  /// \throws DecodingError also when this is no object.
   template <class T>
   [[nodiscard]] T get(std::string_view key) const {
     T result{};
@@ -39,12 +42,14 @@ class ZVAPIKIT_API JSONValue {
   }
 
   /// The same, absent when the key is missing or its value is null.
+  /// \throws DecodingError as `get`.
   template <class T>
   [[nodiscard]] std::optional<T> getIfPresent(std::string_view key) const {
     return get<std::optional<T>>(key);
   }
 
   /// The value itself, by the type's field table even though it has a `decodeJSON` hook.
+  /// \throws DecodingError as `as`.
   template <JSONRecord T>
   [[nodiscard]] T fields() const {
     T result{};
@@ -55,7 +60,8 @@ class ZVAPIKIT_API JSONValue {
   /// The instant to count from, taken from the decoder's source of time.
   [[nodiscard]] Date now() const;
 
-  /// Throws a `DecodingError` at this value, of any kind but `keyNotFound`.
+  /// Refuses this value, for any reason but `keyNotFound`.
+  /// \throws DecodingError with the path of this value, always.
   [[noreturn]] void fail(std::string debugDescription,
                          DecodingError::Kind kind = DecodingError::Kind::dataCorrupted) const;
 

@@ -12,24 +12,30 @@ class JSONOutput;
 }
 
 /// Where an `encodeJSON` hook writes its value: either one `value`, or `beginObject`, any number of `field`s, and
-/// `endObject`. The date strategy of the encoder holds for every write. All writes throw `EncodingError`.
+/// `endObject`. The date strategy of the encoder holds for every write.
 ///
-/// Valid only during the hook's call.
+/// Valid only during the hook's call, and for its thread alone.
 class ZVAPIKIT_API JSONWriter {
  public:
+  /// Made by the encoder alone.
   explicit JSONWriter(detail::JSONOutput& output) noexcept : output_(&output) {}
 
+  /// Writes the whole value.
+  /// \throws EncodingError when it has no JSON form.
   template <class T>
   void value(const T& value) {
     write(jsonType<T>(), &value);
   }
 
+  /// Opens an object.
   void beginObject();
-  /// Writes nothing for an empty `std::optional`, and null for an empty `NullEncodable`.
+  /// Writes a key and its value: nothing for an empty `std::optional`, null for an empty `NullEncodable`.
+  /// \throws EncodingError when the value has no JSON form.
   template <class T>
   void field(std::string_view key, const T& value) {
     write(key, jsonType<T>(), &value);
   }
+  /// Closes the object.
   void endObject();
 
  private:

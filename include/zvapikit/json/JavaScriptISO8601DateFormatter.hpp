@@ -18,11 +18,11 @@ namespace ZAK {
 /// Thread safety: no state.
 class ZVAPIKIT_API JavaScriptISO8601DateFormatter {
  public:
-  /// The fraction is required.
+  /// Reads an instant whose fraction is required; absent when the text is none.
   [[nodiscard]] static std::optional<Date> fractional(std::string_view text) noexcept;
-  /// A fraction is refused.
+  /// Reads an instant without a fraction; absent when the text is none.
   [[nodiscard]] static std::optional<Date> plain(std::string_view text) noexcept;
-  /// With or without a fraction.
+  /// Reads an instant with or without a fraction; absent when the text is none.
   [[nodiscard]] static std::optional<Date> date(std::string_view text) noexcept;
 
   /// `2023-04-05T17:09:12.345Z`: UTC, rounded half up to the millisecond. Empty for a date outside the years 0001 to

@@ -9,12 +9,15 @@
 namespace ZAK {
 
 /// One case of an enumeration with its text in JSON.
+///
+/// Thread safety: as a standard container.
 template <class E>
 struct RawCase {
+  /// All fields, in their order.
   constexpr RawCase(E value_, std::string_view rawValue_) noexcept : value(value_), rawValue(rawValue_) {}
 
-  E value;
-  std::string_view rawValue;
+  E value;                    ///< in C++
+  std::string_view rawValue;  ///< in JSON
 };
 
 /// Specialised for each enumeration that travels as text: `name`, for error texts, and `cases`, an array of `RawCase`
@@ -22,6 +25,7 @@ struct RawCase {
 template <class E>
 struct RawValues;
 
+/// An enumeration that travels as text.
 template <class E>
 concept RawRepresentable = std::is_enum_v<E> && requires {
   RawValues<E>::cases;

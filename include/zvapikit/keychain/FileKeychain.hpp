@@ -13,6 +13,8 @@ namespace ZAK {
 /// A write is safe on disk when it returns, and is whole or not at all: several processes may use one directory. A file
 /// that is damaged, cut short or another item's fails with `KeychainStatus::decode`; one that is a link, someone
 /// else's or open to others fails with `KeychainStatus::io`, as do errors of the file system. A write mends either.
+///
+/// Thread safety: callable from any thread.
 class ZVAPIKIT_API FileKeychain final : public Keychain {
  public:
   /// Longest data of an item, in bytes; longer ones fail with `KeychainStatus::param`, as do empty keys and those whose
@@ -23,7 +25,7 @@ class ZVAPIKIT_API FileKeychain final : public Keychain {
   FileKeychain(KeychainSettings settings, std::filesystem::path directory)
       : Keychain(std::move(settings)), directory_(std::move(directory)) {}
 
-  /// `$XDG_DATA_HOME/<service>`
+  /// The directory that the kit uses for a service: `$XDG_DATA_HOME/SERVICE`, else `~/.local/share/SERVICE`.
   static std::filesystem::path defaultDirectory(const std::string& service);
 
   [[nodiscard]] std::optional<std::string> data(const std::string& key, KeychainOptions options = {}) override;

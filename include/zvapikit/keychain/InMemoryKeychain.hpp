@@ -9,16 +9,19 @@
 
 namespace ZAK {
 
-/// A keychain that is gone with the process. For tests, and for hosts that want to sign in anew at each start.
+/// A keychain that is gone with the object. For tests, and for hosts that want to sign in anew at each start.
+///
+/// Thread safety: callable from any thread.
 class ZVAPIKIT_API InMemoryKeychain final : public Keychain {
  public:
   /// Operations asked for so far, failed ones included.
   struct Counts {
-    std::size_t reads = 0;
-    std::size_t writes = 0;
-    std::size_t removals = 0;
+    std::size_t reads = 0;     ///< calls of `data`
+    std::size_t writes = 0;    ///< calls of `set`
+    std::size_t removals = 0;  ///< calls of `remove`
   };
 
+  /// An empty keychain.
   explicit InMemoryKeychain(KeychainSettings settings = {}) : Keychain(std::move(settings)) {}
 
   [[nodiscard]] std::optional<std::string> data(const std::string& key, KeychainOptions options = {}) override;
@@ -28,6 +31,7 @@ class ZVAPIKIT_API InMemoryKeychain final : public Keychain {
   /// Makes the next `operations` operations, of any kind, fail with `status` and change nothing. Replaces what was
   /// asked for before.
   void failNext(KeychainStatus status, std::size_t operations = 1);
+  /// What was asked for so far.
   [[nodiscard]] Counts counts() const;
 
  private:

@@ -8,6 +8,8 @@
 namespace ZAK {
 
 /// Owns the keychain handle the kit uses unless a host brings its own.
+///
+/// Thread safety: callable from any thread.
 class ZVAPIKIT_API KeychainFactory {
  public:
   /// Where items are kept.
@@ -30,11 +32,10 @@ class ZVAPIKIT_API KeychainFactory {
   /// `KeychainStatus::notAvailable`, or with `KeychainStatus::interactionNotAllowed` when it was the user who did not
   /// answer, and so do all operations of the next minute, at once. A write or removal that failed this way may still
   /// be carried out by the service.
-  ///
-  /// Thread safety: callable from any thread.
   static std::shared_ptr<Keychain> shared();
 
-  /// A handle of its own with the same settings that uses this backend and no other, whatever is recorded.
+  /// A handle of its own with the same settings that uses this backend and no other, whatever is recorded. What the
+  /// backend cannot do, its operations throw.
   static std::shared_ptr<Keychain> make(Backend backend);
 };
 

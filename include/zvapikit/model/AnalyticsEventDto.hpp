@@ -9,6 +9,7 @@ namespace ZAK {
 /// One analytics event: any JSON object, made by the host and sent as it stands, keys and values unchanged.
 struct AnalyticsEventDto {
   AnalyticsEventDto() = default;
+  /// An event of this content.
   explicit AnalyticsEventDto(nlohmann::json data_) : data(std::move(data_)) {}
 
   /// Sending fails with an `EncodingError` when this is no object, or holds what JSON cannot: a number that is not

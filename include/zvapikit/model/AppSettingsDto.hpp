@@ -11,9 +11,9 @@
 
 namespace ZAK {
 
-/// A version of the app for each platform.
+/// A version of the app for each platform; the server knows iOS alone.
 struct AppSettingsVersionDto {
-  std::string ios;
+  std::string ios;  ///< of the app, for example `2.3.1`
 
   bool operator==(const AppSettingsVersionDto&) const = default;
   static constexpr auto jsonFields() { return std::array{JSONField::of<&AppSettingsVersionDto::ios>("ios")}; }
@@ -21,8 +21,8 @@ struct AppSettingsVersionDto {
 
 /// How often to poll, in the units that the server and the host agree on.
 struct AppSettingsPollingDto {
-  std::int64_t feedsFriends = 0;
-  std::int64_t moment = 0;
+  std::int64_t feedsFriends = 0;  ///< between two looks at the friends feed
+  std::int64_t moment = 0;        ///< between two looks at the moment
 
   bool operator==(const AppSettingsPollingDto&) const = default;
   static constexpr auto jsonFields() {
@@ -33,8 +33,8 @@ struct AppSettingsPollingDto {
 
 /// How analytics events are sent together.
 struct AppSettingsAnalyticsBatchDto {
-  std::int64_t maxLength = 0;     ///< number of events
-  std::int64_t flushAfterMs = 0;  ///< milliseconds
+  std::int64_t maxLength = 0;     ///< most events of one batch
+  std::int64_t flushAfterMs = 0;  ///< longest that an event waits for its batch, in milliseconds
 
   bool operator==(const AppSettingsAnalyticsBatchDto&) const = default;
   static constexpr auto jsonFields() {
@@ -45,7 +45,7 @@ struct AppSettingsAnalyticsBatchDto {
 
 /// Thresholds of what is measured.
 struct AppSettingsAnalyticsMetricsDto {
-  std::int64_t postSustainLookTimeInMs = 0;  ///< milliseconds
+  std::int64_t postSustainLookTimeInMs = 0;  ///< how long a post is looked at until that counts, in milliseconds
 
   bool operator==(const AppSettingsAnalyticsMetricsDto&) const = default;
   static constexpr auto jsonFields() {
@@ -56,8 +56,8 @@ struct AppSettingsAnalyticsMetricsDto {
 
 /// Settings of analytics.
 struct AppSettingsAnalyticsDto {
-  AppSettingsAnalyticsBatchDto batch;
-  AppSettingsAnalyticsMetricsDto metrics;
+  AppSettingsAnalyticsBatchDto batch;      ///< how events are gathered
+  AppSettingsAnalyticsMetricsDto metrics;  ///< what counts as an event
 
   bool operator==(const AppSettingsAnalyticsDto&) const = default;
   static constexpr auto jsonFields() {
@@ -68,9 +68,9 @@ struct AppSettingsAnalyticsDto {
 
 /// Which features are switched on.
 struct AppSettingsFeatureFlagsDto {
-  std::optional<bool> friendsOfFriendsFeed;
-  std::optional<bool> messaging;
-  std::optional<bool> analytics;
+  std::optional<bool> friendsOfFriendsFeed;  ///< the feed of `FeedsDomain::fetchFof`
+  std::optional<bool> messaging;             ///< see `AppSettingsFeaturesFlagsMessagingDto`
+  std::optional<bool> analytics;             ///< the events of `AnalyticsDomain`
 
   bool operator==(const AppSettingsFeatureFlagsDto&) const = default;
   static constexpr auto jsonFields() {
@@ -81,7 +81,10 @@ struct AppSettingsFeatureFlagsDto {
 };
 
 /// How long messages stay. An unknown text fails to decode.
-enum class MessagingScenario { noLimit, noLimitVanish };
+enum class MessagingScenario {
+  noLimit,       ///< without limit
+  noLimitVanish  ///< without limit, unless they are made to vanish
+};
 
 template <>
 struct RawValues<MessagingScenario> {
@@ -92,10 +95,11 @@ struct RawValues<MessagingScenario> {
 
 /// Settings of messaging.
 struct AppSettingsFeaturesFlagsMessagingDto {
+  /// `MessagingScenario` under its short name.
   using Scenario = MessagingScenario;
 
-  std::string token;
-  Scenario scenario = Scenario::noLimit;
+  std::string token;                      ///< opaque to the kit
+  Scenario scenario = Scenario::noLimit;  ///< how long messages stay
 
   bool operator==(const AppSettingsFeaturesFlagsMessagingDto&) const = default;
   static constexpr auto jsonFields() {
@@ -106,7 +110,7 @@ struct AppSettingsFeaturesFlagsMessagingDto {
 
 /// Settings of single features.
 struct AppSettingsFeatureFlagsSettingsDto {
-  std::optional<AppSettingsFeaturesFlagsMessagingDto> messaging;
+  std::optional<AppSettingsFeaturesFlagsMessagingDto> messaging;  ///< absent when there is nothing to set
 
   bool operator==(const AppSettingsFeatureFlagsSettingsDto&) const = default;
   static constexpr auto jsonFields() {
@@ -116,12 +120,12 @@ struct AppSettingsFeatureFlagsSettingsDto {
 
 /// What the server asks of the app.
 struct AppSettingsDto {
-  AppSettingsVersionDto mandatoryVersions;    ///< below these the app must be updated
-  AppSettingsVersionDto recommendedVersions;  ///< below these an update is advised
-  AppSettingsPollingDto polling;
-  std::optional<AppSettingsAnalyticsDto> analytics;
-  std::optional<AppSettingsFeatureFlagsDto> featureFlags;
-  std::optional<AppSettingsFeatureFlagsSettingsDto> featureFlagsSettings;
+  AppSettingsVersionDto mandatoryVersions;                                 ///< below these the app must be updated
+  AppSettingsVersionDto recommendedVersions;                               ///< below these an update is advised
+  AppSettingsPollingDto polling;                                           ///< how often to ask for news
+  std::optional<AppSettingsAnalyticsDto> analytics;                        ///< absent: the host's own choice
+  std::optional<AppSettingsFeatureFlagsDto> featureFlags;                  ///< absent: the host's own choice
+  std::optional<AppSettingsFeatureFlagsSettingsDto> featureFlagsSettings;  ///< what goes with the flags
 
   bool operator==(const AppSettingsDto&) const = default;
   static constexpr auto jsonFields() {

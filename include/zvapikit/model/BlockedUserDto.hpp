@@ -12,10 +12,10 @@ namespace ZAK {
 
 /// Who is blocked.
 struct BlockedUserDetailsDto {
-  std::string id;
-  std::string username;
-  std::optional<std::string> fullname;
-  std::optional<MediaDto> profilePicture;
+  std::string id;                          ///< identifier of the user
+  std::string username;                    ///< unique name
+  std::optional<std::string> fullname;     ///< as the user gave it
+  std::optional<MediaDto> profilePicture;  ///< absent when there is none
 
   bool operator==(const BlockedUserDetailsDto&) const = default;
   static constexpr auto jsonFields() {
@@ -28,9 +28,9 @@ struct BlockedUserDetailsDto {
 
 /// A user whom the signed-in user has blocked.
 struct BlockedUserDto {
-  std::string userId;
-  Date blockedAt{};
-  BlockedUserDetailsDto user;
+  std::string userId;          ///< identifier of the user who is blocked
+  Date blockedAt{};            ///< when the block began
+  BlockedUserDetailsDto user;  ///< as shown in a list
 
   bool operator==(const BlockedUserDto&) const = default;
   static constexpr auto jsonFields() {

@@ -11,8 +11,8 @@ namespace ZAK {
 
 /// One page of the discovery feed.
 struct DiscoveryDto {
-  std::vector<LegacyPostDto> posts;
-  std::string lastIndex;  ///< opaque; asks for the next page
+  std::vector<LegacyPostDto> posts;  ///< none behind the last page
+  std::string lastIndex;             ///< opaque; asks for the next page
 
   bool operator==(const DiscoveryDto&) const = default;
   static constexpr auto jsonFields() {

@@ -15,10 +15,10 @@ namespace ZAK {
 
 /// A friend that the reader of a post shares with its author.
 struct FofCommonFriendDto {
-  std::string id;
-  std::string username;
-  std::optional<std::string> fullname;
-  std::optional<MediaDto> profilePicture;
+  std::string id;                          ///< identifier of the user
+  std::string username;                    ///< unique name
+  std::optional<std::string> fullname;     ///< as the user gave it
+  std::optional<MediaDto> profilePicture;  ///< absent when there is none
 
   bool operator==(const FofCommonFriendDto&) const = default;
   static constexpr auto jsonFields() {
@@ -31,7 +31,8 @@ struct FofCommonFriendDto {
 
 /// How the reader of a post is linked to its author.
 struct FofRelationshipDto {
-  std::optional<std::vector<FofCommonFriendDto>> commonFriends;
+  std::optional<std::vector<FofCommonFriendDto>>
+      commonFriends;  ///< friends of both; absent when the server does not say
 
   bool operator==(const FofRelationshipDto&) const = default;
   static constexpr auto jsonFields() {
@@ -41,11 +42,11 @@ struct FofRelationshipDto {
 
 /// The author of a friend-of-a-friend post.
 struct FofUserDto {
-  std::string id;
-  std::string username;
-  std::optional<std::string> fullname;
-  std::optional<MediaDto> profilePicture;
-  std::optional<FofRelationshipDto> relationship;
+  std::string id;                                  ///< identifier of the user
+  std::string username;                            ///< unique name
+  std::optional<std::string> fullname;             ///< as the user gave it
+  std::optional<MediaDto> profilePicture;          ///< absent when there is none
+  std::optional<FofRelationshipDto> relationship;  ///< absent when the server does not say
 
   bool operator==(const FofUserDto&) const = default;
   static constexpr auto jsonFields() {
@@ -58,8 +59,8 @@ struct FofUserDto {
 
 /// The moment that a post belongs to.
 struct FofMomentDto {
-  std::string id;
-  RegionCodeDto region;
+  std::string id;        ///< identifier of the moment
+  RegionCodeDto region;  ///< whose moment it was
 
   bool operator==(const FofMomentDto&) const = default;
   static constexpr auto jsonFields() {
@@ -69,8 +70,8 @@ struct FofMomentDto {
 
 /// Where a post was taken.
 struct FofLocationDto {
-  double latitude = 0;   ///< degrees
-  double longitude = 0;  ///< degrees
+  double latitude = 0;   ///< degrees, north is positive
+  double longitude = 0;  ///< degrees, east is positive
 
   bool operator==(const FofLocationDto&) const = default;
   static constexpr auto jsonFields() {
@@ -81,8 +82,8 @@ struct FofLocationDto {
 
 /// Who reacted to a post.
 struct FofQuibletUserDto {
-  std::string id;
-  std::string username;
+  std::string id;        ///< identifier of the user
+  std::string username;  ///< unique name
 
   bool operator==(const FofQuibletUserDto&) const = default;
   static constexpr auto jsonFields() {
@@ -93,12 +94,12 @@ struct FofQuibletUserDto {
 
 /// One reaction selfie on a post.
 struct FofQuibletDto {
-  std::string id;
+  std::string id;          ///< identifier of the reaction
   FofQuibletUserDto user;  ///< who reacted
   MediaDto media;          ///< the selfie
   std::string emoji;       ///< what the reaction stands for
-  bool isInstant = false;
-  Date postedAt{};
+  bool isInstant = false;  ///< true for a selfie taken for this post, false for a stored one
+  Date postedAt{};         ///< when the user reacted
 
   bool operator==(const FofQuibletDto&) const = default;
   static constexpr auto jsonFields() {
@@ -114,8 +115,8 @@ struct FofQuibletDto {
 /// The reactions to a post. The reader's own travels as `self`.
 struct FofQuibletsRootDto {
   std::int64_t total = 0;             ///< number of reactions; may exceed the sample's length
-  std::optional<FofQuibletDto> mine;  ///< the reader's own reaction
-  std::vector<FofQuibletDto> sample;
+  std::optional<FofQuibletDto> mine;  ///< the reader's own reaction, if any
+  std::vector<FofQuibletDto> sample;  ///< as many as the server cares to send
 
   bool operator==(const FofQuibletsRootDto&) const = default;
   static constexpr auto jsonFields() {
@@ -127,17 +128,17 @@ struct FofQuibletsRootDto {
 
 /// A post of a friend of a friend.
 struct FofPostDto {
-  std::string id;
-  FofUserDto user;  ///< author
-  FofMomentDto moment;
-  MediaDto primary;    ///< main picture
-  MediaDto secondary;  ///< inset picture
-  std::optional<FofLocationDto> location;
-  std::optional<std::string> caption;
-  Date takenAt{};
-  Date postedAt{};
-  std::int64_t lateInSeconds = 0;
-  std::optional<FofQuibletsRootDto> quiblets;
+  std::string id;                              ///< identifier of the post
+  FofUserDto user;                             ///< author
+  FofMomentDto moment;                         ///< the moment it was posted for
+  MediaDto primary;                            ///< main picture
+  MediaDto secondary;                          ///< inset picture
+  std::optional<FofLocationDto> location;      ///< where the pictures were taken; absent unless the author tells
+  std::optional<std::string> caption;          ///< the author's words; absent when there are none
+  Date takenAt{};                              ///< when the pictures were taken
+  Date postedAt{};                             ///< when the server received the post
+  std::int64_t lateInSeconds = 0;              ///< how late, in seconds
+  std::optional<FofQuibletsRootDto> quiblets;  ///< reactions; absent when the server leaves them out
 
   bool operator==(const FofPostDto&) const = default;
   static constexpr auto jsonFields() {

@@ -17,9 +17,9 @@ namespace ZAK {
 
 /// A person as shown in the older post layout.
 struct LegacyPostUserDto {
-  std::string id;
-  std::string username;
-  std::optional<MediaDto> profilePicture;
+  std::string id;                          ///< identifier of the user
+  std::string username;                    ///< unique name
+  std::optional<MediaDto> profilePicture;  ///< absent when there is none
 
   bool operator==(const LegacyPostUserDto&) const = default;
   static constexpr auto jsonFields() {
@@ -31,8 +31,8 @@ struct LegacyPostUserDto {
 
 /// An instant in the older post layout, which knows no other form of one.
 struct ZVAPIKIT_API LegacyPostDateDto {
-  std::int64_t _seconds = 0;      ///< since 1970-01-01T00:00:00Z
-  std::int64_t _nanoseconds = 0;  ///< of the second
+  std::int64_t _seconds = 0;      ///< whole seconds since 1970-01-01T00:00:00Z
+  std::int64_t _nanoseconds = 0;  ///< fraction of the second
 
   /// The same as a `Date`, to the nearest microsecond; the first or last `Date` when it lies beyond.
   [[nodiscard]] Date date() const noexcept;
@@ -46,8 +46,8 @@ struct ZVAPIKIT_API LegacyPostDateDto {
 
 /// Where a post was taken.
 struct LegacyPostLocation {
-  double _latitude = 0;   ///< degrees
-  double _longitude = 0;  ///< degrees
+  double _latitude = 0;   ///< degrees, north is positive
+  double _longitude = 0;  ///< degrees, east is positive
 
   bool operator==(const LegacyPostLocation&) const = default;
   static constexpr auto jsonFields() {
@@ -58,14 +58,14 @@ struct LegacyPostLocation {
 
 /// One reaction selfie in the older post layout.
 struct LegacyPostQuibletDto {
-  std::string id;
-  std::string uid;  ///< the user's identifier
-  LegacyPostUserDto user;
-  LegacyPostDateDto date;
-  std::string emoji;
-  std::string type;  ///< kind of reaction, any text
-  URL uri;           ///< the selfie
-  std::string userName;
+  std::string id;          ///< identifier of the reaction
+  std::string uid;         ///< identifier of the user who reacted
+  LegacyPostUserDto user;  ///< the same user
+  LegacyPostDateDto date;  ///< when the user reacted
+  std::string emoji;       ///< what the reaction stands for
+  std::string type;        ///< kind of reaction, any text
+  URL uri;                 ///< the selfie
+  std::string userName;    ///< the user's unique name
 
   bool operator==(const LegacyPostQuibletDto&) const = default;
   static constexpr auto jsonFields() {
@@ -82,12 +82,12 @@ struct LegacyPostQuibletDto {
 
 /// One comment in the older post layout.
 struct LegacyPostCommentDto {
-  std::string id;
-  std::string uid;  ///< the user's identifier
-  LegacyPostUserDto user;
-  LegacyPostDateDto creationDate;
-  std::string text;
-  std::string userName;
+  std::string id;                  ///< identifier of the comment
+  std::string uid;                 ///< identifier of the author
+  LegacyPostUserDto user;          ///< the author
+  LegacyPostDateDto creationDate;  ///< when the comment was made
+  std::string text;                ///< in the author's words
+  std::string userName;            ///< the author's unique name
 
   bool operator==(const LegacyPostCommentDto&) const = default;
   static constexpr auto jsonFields() {
@@ -102,8 +102,8 @@ struct LegacyPostCommentDto {
 
 /// One screenshot that somebody took of a post.
 struct LegacyPostScreenshotDto {
-  std::string id;
-  LegacyPostUserDto user;
+  std::string id;          ///< identifier of the event
+  LegacyPostUserDto user;  ///< who took it
 
   bool operator==(const LegacyPostScreenshotDto&) const = default;
   static constexpr auto jsonFields() {
@@ -114,29 +114,29 @@ struct LegacyPostScreenshotDto {
 
 /// A post of the friends feed or the discovery feed, which still arrive in an older layout.
 struct LegacyPostDto {
-  std::string id;
-  LegacyPostUserDto user;
-  std::string notificationID;
-  RegionCodeDto region;
-  LegacyPostDateDto creationDate;
-  LegacyPostDateDto takenAt;
-  std::optional<std::int64_t> updatedAt;  ///< a bare number
-  std::int64_t lateInSeconds = 0;
-  URL photoURL;  ///< main picture
-  double imageHeight = 0;
-  double imageWidth = 0;
-  URL secondaryPhotoURL;  ///< inset picture
-  double secondaryImageHeight = 0;
-  double secondaryImageWidth = 0;
-  std::optional<std::string> geoHash;
-  std::optional<LegacyPostLocation> location;
-  std::optional<std::string> caption{};
-  std::optional<std::vector<std::string>> screenshots{};
-  std::optional<std::vector<LegacyPostScreenshotDto>> screenshotsV2{};
-  std::optional<std::vector<LegacyPostCommentDto>> comment{};  ///< all comments, singular as the key is
-  std::optional<std::vector<LegacyPostQuibletDto>> quiblets{};
-  std::optional<std::vector<std::string>> visibility{};  ///< any texts
-  std::optional<std::int64_t> retakeCounter{};
+  std::string id;                                         ///< identifier of the post
+  LegacyPostUserDto user;                                 ///< author
+  std::string notificationID;                             ///< identifier of the notification that opened the moment
+  RegionCodeDto region;                                   ///< whose moment it was
+  LegacyPostDateDto creationDate;                         ///< when the server received the post
+  LegacyPostDateDto takenAt;                              ///< when the pictures were taken
+  std::optional<std::int64_t> updatedAt;                  ///< a bare number, in the server's own units
+  std::int64_t lateInSeconds = 0;                         ///< how late, in seconds
+  URL photoURL;                                           ///< main picture
+  double imageHeight = 0;                                 ///< of the main picture, pixels
+  double imageWidth = 0;                                  ///< of the main picture, pixels
+  URL secondaryPhotoURL;                                  ///< inset picture
+  double secondaryImageHeight = 0;                        ///< of the inset picture, pixels
+  double secondaryImageWidth = 0;                         ///< of the inset picture, pixels
+  std::optional<std::string> geoHash;                     ///< where the pictures were taken, as a geohash
+  std::optional<LegacyPostLocation> location;             ///< absent unless the author tells
+  std::optional<std::string> caption{};                   ///< the author's words; absent when there are none
+  std::optional<std::vector<std::string>> screenshots{};  ///< identifiers of the users who took one
+  std::optional<std::vector<LegacyPostScreenshotDto>> screenshotsV2{};  ///< the same with the users
+  std::optional<std::vector<LegacyPostCommentDto>> comment{};           ///< all comments, singular as the key is
+  std::optional<std::vector<LegacyPostQuibletDto>> quiblets{};          ///< all reactions
+  std::optional<std::vector<std::string>> visibility{};  ///< raw values, not only those of `PostVisibilityDto`
+  std::optional<std::int64_t> retakeCounter{};           ///< how often the pictures were taken anew
 
   bool operator==(const LegacyPostDto&) const = default;
   static constexpr auto jsonFields() {

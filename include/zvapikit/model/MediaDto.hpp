@@ -27,10 +27,11 @@ struct MediaDto {
 /// that of a hosted `MediaDto`.
 struct MediaBucketDto {
   MediaBucketDto() = default;
+  /// All fields, in their order.
   MediaBucketDto(std::string bucket_, std::string path_, std::int64_t width_, std::int64_t height_)
       : bucket(std::move(bucket_)), path(std::move(path_)), width(width_), height(height_) {}
 
-  std::string bucket;
+  std::string bucket;       ///< name of the storage bucket
   std::string path;         ///< inside the bucket
   std::int64_t width = 0;   ///< pixels
   std::int64_t height = 0;  ///< pixels

@@ -15,13 +15,13 @@ namespace ZAK {
 
 /// The post of one past day.
 struct ZVAPIKIT_API MemoryDto {
-  std::string id;
-  bool isLate = false;
+  std::string id;                     ///< identifier of the memory
+  bool isLate = false;                ///< late for its moment
   std::string memoryDay;              ///< as the server wrote it, `yyyy-MM-dd`
   Date memoryDate{};                  ///< not in JSON: made of `memoryDay` while decoding
   MediaDto primary;                   ///< main picture
   std::optional<MediaDto> secondary;  ///< inset picture
-  std::optional<MediaDto> thumbnail;
+  std::optional<MediaDto> thumbnail;  ///< small form of the main picture
 
   /// `memoryDate` becomes the first instant of `memoryDay` in the machine's time zone, or the decoder's `now` when the
   /// text is no day.
@@ -38,12 +38,12 @@ struct ZVAPIKIT_API MemoryDto {
   }
 };
 
-/// One page of memories.
+/// One page of memories. No operation takes its cursors: for more, raise the limit or ask for all.
 struct MemoriesDto {
-  std::vector<MemoryDto> data;
-  std::optional<std::string> next;  ///< cursor of the next page
-  std::optional<std::string> prev;  ///< cursor of the previous page
-  std::optional<bool> memoriesSynchronized;
+  std::vector<MemoryDto> data;               ///< latest day first
+  std::optional<std::string> next;           ///< cursor of the next page; absent on the last
+  std::optional<std::string> prev;           ///< cursor of the previous page; absent on the first
+  std::optional<bool> memoriesSynchronized;  ///< whether the server has gathered them all
 
   bool operator==(const MemoriesDto&) const = default;
   static constexpr auto jsonFields() {

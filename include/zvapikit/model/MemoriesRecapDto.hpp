@@ -17,7 +17,15 @@
 namespace ZAK {
 
 /// How far the server is with a recap. An unknown text decodes as `unknown`.
-enum class RecapStatusDto { pending, processing, done, nonexistent, unavailable, toolate, unknown };
+enum class RecapStatusDto {
+  pending,      ///< waits for its turn
+  processing,   ///< is being made
+  done,         ///< can be downloaded
+  nonexistent,  ///< was not asked for yet
+  unavailable,  ///< cannot be asked for yet
+  toolate,      ///< can no longer be asked for
+  unknown       ///< a text that this version of the kit does not know
+};
 
 template <>
 struct RawValues<RecapStatusDto> {
@@ -36,15 +44,16 @@ inline constexpr bool CodableLastByDefault<RecapStatusDto> = true;
 /// The recap video of a year. Its two dates are read only with fractional seconds; a text in any other form leaves
 /// them absent.
 struct ZVAPIKIT_API MemoriesRecapDto {
-  std::string id;
-  RecapStatusDto videoStatus = RecapStatusDto::pending;
-  std::int64_t year = 0;
-  std::optional<Date> countdownEnd;
-  std::optional<Date> generationWindowEnd;
-  std::optional<std::int64_t> queuePosition;
-  std::optional<URL> videoUrl;
-  std::optional<bool> clientFallback;
+  std::string id;                                        ///< identifier of the recap
+  RecapStatusDto videoStatus = RecapStatusDto::pending;  ///< how far the server is
+  std::int64_t year = 0;                                 ///< of the posts shown, for example 2023
+  std::optional<Date> countdownEnd;                      ///< from when on the video may be asked for
+  std::optional<Date> generationWindowEnd;               ///< until when it may be asked for
+  std::optional<std::int64_t> queuePosition;             ///< from 1, while the recap waits for its turn
+  std::optional<URL> videoUrl;                           ///< where to download it, once it is done
+  std::optional<bool> clientFallback;                    ///< whether the host is to make the video itself
 
+  /// Reads the two dates by their own rule.
   static MemoriesRecapDto decodeJSON(const JSONValue& json);
   bool operator==(const MemoriesRecapDto&) const = default;
   static constexpr auto jsonFields() {
@@ -61,7 +70,7 @@ struct ZVAPIKIT_API MemoriesRecapDto {
 
 /// The recap videos of all years.
 struct MemoriesRecapsDto {
-  std::vector<MemoriesRecapDto> videos;
+  std::vector<MemoriesRecapDto> videos;  ///< one a year
 
   bool operator==(const MemoriesRecapsDto&) const = default;
   static constexpr auto jsonFields() { return std::array{JSONField::of<&MemoriesRecapsDto::videos>("videos")}; }

@@ -12,7 +12,14 @@
 namespace ZAK {
 
 /// How far the server is with a video. An unknown text fails to decode.
-enum class MemoriesVideoStatusDto { done, pending, processing, downloading, nonexistent, unavailable };
+enum class MemoriesVideoStatusDto {
+  done,         ///< can be downloaded
+  pending,      ///< waits for its turn
+  processing,   ///< is being made
+  downloading,  ///< is being brought to where it can be downloaded
+  nonexistent,  ///< was not asked for yet
+  unavailable   ///< cannot be asked for
+};
 
 template <>
 struct RawValues<MemoriesVideoStatusDto> {
@@ -27,10 +34,10 @@ struct RawValues<MemoriesVideoStatusDto> {
 
 /// The state of the video made of the user's memories. The thumbnails travel as `primary` and `secondary`.
 struct MemoriesVideoDto {
-  MemoriesVideoStatusDto status = MemoriesVideoStatusDto::done;
-  std::optional<URL> url;  ///< the video, once there is one
-  std::optional<MediaDto> thumbPrimary;
-  std::optional<MediaDto> thumbSecondary;
+  MemoriesVideoStatusDto status = MemoriesVideoStatusDto::done;  ///< how far the server is
+  std::optional<URL> url;                                        ///< the video, once there is one
+  std::optional<MediaDto> thumbPrimary;                          ///< still of the main picture, key `primary`
+  std::optional<MediaDto> thumbSecondary;                        ///< still of the inset picture, key `secondary`
 
   bool operator==(const MemoriesVideoDto&) const = default;
   static constexpr auto jsonFields() {

@@ -17,6 +17,8 @@ namespace ZAK {
 /// of that directory.
 ///
 /// In JSON it is `{"documents": {"path": "..."}}` or `{"absolute": {"url": "..."}}`.
+///
+/// Thread safety: as a standard container.
 class ZVAPIKIT_API MemoriesVideoLocation {
  public:
   /// The documents directory itself.
@@ -28,8 +30,8 @@ class ZVAPIKIT_API MemoriesVideoLocation {
   static MemoriesVideoLocation absolute(URL url) { return MemoriesVideoLocation(std::move(url)); }
 
   /// Where a video that the device made is kept. Makes the directory for it, 0700, below `documentsDirectory`.
-  /// \throws ZAKError::urlNotValid before that, when the name holds `/`, `..` or NUL.
-  /// \throws std::filesystem::filesystem_error when the directory cannot be made.
+  /// \throws ZAKError `urlNotValid`, before that, when the name holds `/`, `..` or NUL;
+  ///   std::filesystem::filesystem_error when the directory cannot be made.
   static MemoriesVideoLocation clientGenerated(std::string_view recapName,
                                                const std::filesystem::path& documentsDirectory);
   /// Where a video downloaded from `remoteUrl` is kept, with the extension of that URL. Otherwise as
@@ -37,11 +39,14 @@ class ZVAPIKIT_API MemoriesVideoLocation {
   static MemoriesVideoLocation serverGenerated(const URL& remoteUrl, std::string_view recapName,
                                                const std::filesystem::path& documentsDirectory);
 
-  /// Null for an absolute location.
+  /// The path below the documents directory; null for an absolute location.
   [[nodiscard]] const std::string* documentsPath() const noexcept { return std::get_if<std::string>(&place_); }
-  /// Null for a location below the documents directory.
+  /// The URL as it was given; null for a location below the documents directory.
   [[nodiscard]] const URL* absoluteUrl() const noexcept { return std::get_if<URL>(&place_); }
 
+  /// The path of the file, for opening it. `documentsDirectory` is `MobileApiDomain::directories().documents`.
+  /// \throws ZAKError `urlNotValid` when an absolute location is not on the device (its URL is no `file:` URL).
+  [[nodiscard]] std::filesystem::path path(const std::filesystem::path& documentsDirectory) const;
   /// The URL of the file, `file:///...` for a location below the documents directory.
   [[nodiscard]] URL url(const std::filesystem::path& documentsDirectory) const;
 

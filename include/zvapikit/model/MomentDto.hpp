@@ -12,11 +12,11 @@ namespace ZAK {
 
 /// The time of a day at which the users of a region post.
 struct MomentDto {
-  std::string id;
-  RegionCodeDto region;
-  std::optional<Date> startDate;
-  std::optional<Date> endDate;
-  std::optional<std::string> timezone;
+  std::string id;                       ///< identifier of the moment
+  RegionCodeDto region;                 ///< whose moment it is
+  std::optional<Date> startDate;        ///< when the users are called to post
+  std::optional<Date> endDate;          ///< from when on a post is late
+  std::optional<std::string> timezone;  ///< of the region, an IANA name such as `Europe/Paris`
 
   bool operator==(const MomentDto&) const = default;
   static constexpr auto jsonFields() {

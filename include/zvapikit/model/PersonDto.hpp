@@ -15,10 +15,10 @@ namespace ZAK {
 
 /// A friend that two people have in common.
 struct PersonCommonFriendsSampleDto {
-  std::string id;
-  std::string username;
-  std::optional<std::string> fullname;
-  std::optional<MediaDto> profilePicture;
+  std::string id;                                ///< identifier of the user
+  std::string username;                          ///< unique name
+  std::optional<std::string> fullname;           ///< as the user gave it
+  std::optional<MediaDto> profilePicture;        ///< absent when there is none
   std::optional<RelationshipsStatusDto> status;  ///< how the reader is related to this person
 
   bool operator==(const PersonCommonFriendsSampleDto&) const = default;
@@ -33,8 +33,8 @@ struct PersonCommonFriendsSampleDto {
 
 /// The friends that two people have in common.
 struct PersonCommonFriendsDto {
-  std::optional<std::vector<PersonCommonFriendsSampleDto>> sample;
-  std::int64_t total = 0;
+  std::optional<std::vector<PersonCommonFriendsSampleDto>> sample;  ///< as many as the server cares to send
+  std::int64_t total = 0;                                           ///< may exceed the sample's length
 
   bool operator==(const PersonCommonFriendsDto&) const = default;
   static constexpr auto jsonFields() {
@@ -45,9 +45,9 @@ struct PersonCommonFriendsDto {
 
 /// How the reader is related to a person.
 struct PersonRelationshipsDto {
-  std::optional<RelationshipsStatusDto> status;
-  std::optional<PersonCommonFriendsDto> commonFriends;
-  std::optional<Date> friendedAt;
+  std::optional<RelationshipsStatusDto> status;         ///< absent when the two have nothing to do with each other
+  std::optional<PersonCommonFriendsDto> commonFriends;  ///< absent when the server does not say
+  std::optional<Date> friendedAt;                       ///< when the two became friends
 
   bool operator==(const PersonRelationshipsDto&) const = default;
   static constexpr auto jsonFields() {
@@ -59,14 +59,14 @@ struct PersonRelationshipsDto {
 
 /// Somebody's public profile.
 struct PersonDto {
-  std::string id;
-  std::string username;
-  Date createdAt{};
-  std::optional<std::string> fullname;
-  std::optional<std::string> biography;
-  std::optional<std::string> location;  ///< any text
-  std::optional<MediaDto> profilePicture;
-  PersonRelationshipsDto relationship;
+  std::string id;                          ///< identifier of the user
+  std::string username;                    ///< unique name
+  Date createdAt{};                        ///< when the profile was made
+  std::optional<std::string> fullname;     ///< as the user gave it
+  std::optional<std::string> biography;    ///< in the user's own words
+  std::optional<std::string> location;     ///< any text
+  std::optional<MediaDto> profilePicture;  ///< absent when there is none
+  PersonRelationshipsDto relationship;     ///< to the reader
 
   bool operator==(const PersonDto&) const = default;
   static constexpr auto jsonFields() {

@@ -12,7 +12,7 @@ namespace ZAK {
 
 /// Body that sets the caption of a post.
 struct CaptionDto {
-  std::string caption;
+  std::string caption;  ///< the new one, in place of the old
 
   bool operator==(const CaptionDto&) const = default;
   static constexpr auto jsonFields() { return std::array{JSONField::of<&CaptionDto::caption>("caption")}; }
@@ -28,7 +28,7 @@ struct VisibilityDto {
 
 /// Body that comments on a post.
 struct AddCommentDto {
-  std::string content;
+  std::string content;  ///< in the author's words
 
   bool operator==(const AddCommentDto&) const = default;
   static constexpr auto jsonFields() { return std::array{JSONField::of<&AddCommentDto::content>("content")}; }
@@ -36,7 +36,7 @@ struct AddCommentDto {
 
 /// Body that deletes comments of a post.
 struct DeleteCommentsDto {
-  std::vector<std::string> commentIds;
+  std::vector<std::string> commentIds;  ///< identifiers of the comments
 
   bool operator==(const DeleteCommentsDto&) const = default;
   static constexpr auto jsonFields() { return std::array{JSONField::of<&DeleteCommentsDto::commentIds>("commentIds")}; }
@@ -53,6 +53,7 @@ struct AddQuibletDto {
 /// Body that reacts to a post with a selfie just taken.
 struct AddInstantQuibletDto {
   AddInstantQuibletDto() = default;
+  /// A reaction with this selfie.
   explicit AddInstantQuibletDto(MediaBucketDto media_) : media(std::move(media_)) {}
 
   MediaBucketDto media;  ///< the uploaded selfie
@@ -63,7 +64,7 @@ struct AddInstantQuibletDto {
 
 /// Body that deletes reactions to a post.
 struct DeleteQuibletsDto {
-  std::vector<std::string> quibletIds;
+  std::vector<std::string> quibletIds;  ///< identifiers of the reactions
 
   bool operator==(const DeleteQuibletsDto&) const = default;
   static constexpr auto jsonFields() { return std::array{JSONField::of<&DeleteQuibletsDto::quibletIds>("quibletIds")}; }

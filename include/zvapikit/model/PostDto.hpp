@@ -18,10 +18,10 @@ namespace ZAK {
 
 /// A person as shown on a post, comment, reaction or screenshot.
 struct PostPerson {
-  std::string id;
-  std::string username;
-  std::optional<std::string> fullname;
-  std::optional<MediaDto> profilePicture;
+  std::string id;                                ///< identifier of the user
+  std::string username;                          ///< unique name
+  std::optional<std::string> fullname;           ///< as the user gave it
+  std::optional<MediaDto> profilePicture;        ///< absent when there is none
   std::optional<RelationshipsStatusDto> status;  ///< how the reader is related to this person
 
   bool operator==(const PostPerson&) const = default;
@@ -35,8 +35,8 @@ struct PostPerson {
 
 /// The moment that a post belongs to.
 struct PostMomentDto {
-  std::string id;
-  RegionCodeDto region;
+  std::string id;        ///< identifier of the moment
+  RegionCodeDto region;  ///< whose moment it was
 
   bool operator==(const PostMomentDto&) const = default;
   static constexpr auto jsonFields() {
@@ -46,8 +46,8 @@ struct PostMomentDto {
 
 /// Where a post was taken.
 struct PostLocationDto {
-  double latitude = 0;   ///< degrees
-  double longitude = 0;  ///< degrees
+  double latitude = 0;   ///< degrees, north is positive
+  double longitude = 0;  ///< degrees, east is positive
 
   bool operator==(const PostLocationDto&) const = default;
   static constexpr auto jsonFields() {
@@ -58,12 +58,12 @@ struct PostLocationDto {
 
 /// One reaction selfie on a post.
 struct PostQuibletDto {
-  std::string id;
-  PostPerson user;    ///< who reacted
-  std::string emoji;  ///< what the reaction stands for
-  bool isInstant = false;
-  MediaDto media;  ///< the selfie
-  Date postedAt{};
+  std::string id;          ///< identifier of the reaction
+  PostPerson user;         ///< who reacted
+  std::string emoji;       ///< what the reaction stands for
+  bool isInstant = false;  ///< true for a selfie taken for this post, false for a stored one
+  MediaDto media;          ///< the selfie
+  Date postedAt{};         ///< when the user reacted
 
   bool operator==(const PostQuibletDto&) const = default;
   static constexpr auto jsonFields() {
@@ -76,10 +76,10 @@ struct PostQuibletDto {
 
 /// One comment on a post.
 struct PostCommentDto {
-  std::string id;
-  PostPerson user;  ///< author
-  Date postedAt{};
-  std::string content;
+  std::string id;       ///< identifier of the comment
+  PostPerson user;      ///< author
+  Date postedAt{};      ///< when the comment was made
+  std::string content;  ///< in the author's words
 
   bool operator==(const PostCommentDto&) const = default;
   static constexpr auto jsonFields() {
@@ -91,7 +91,7 @@ struct PostCommentDto {
 
 /// One screenshot that somebody took of a post.
 struct PostScreenshotDto {
-  std::string id;
+  std::string id;   ///< identifier of the event
   PostPerson user;  ///< who took it
 
   bool operator==(const PostScreenshotDto&) const = default;
@@ -102,22 +102,22 @@ struct PostScreenshotDto {
 
 /// A post of the user or a friend.
 struct PostDto {
-  std::string id;
-  PostPerson user;  ///< author
-  PostMomentDto moment;
-  std::optional<std::vector<PostVisibilityDto>> visibility;
-  std::optional<PostLocationDto> location;
-  std::optional<std::string> caption;
-  std::int64_t retakeCounter = 0;
-  bool isLate = false;
-  std::int64_t lateInSeconds = 0;
-  MediaDto primary;    ///< main picture
-  MediaDto secondary;  ///< inset picture
-  std::optional<SampleCollectionDto<PostQuibletDto>> quiblets;
-  std::optional<SampleCollectionDto<PostCommentDto>> comments;
-  std::optional<SampleCollectionDto<PostScreenshotDto>> screenshots;
-  Date takenAt{};
-  Date createdAt{};
+  std::string id;                                            ///< identifier of the post
+  PostPerson user;                                           ///< author
+  PostMomentDto moment;                                      ///< the moment it was posted for
+  std::optional<std::vector<PostVisibilityDto>> visibility;  ///< who may see it; absent when the server does not say
+  std::optional<PostLocationDto> location;  ///< where the pictures were taken; absent unless the author tells
+  std::optional<std::string> caption;       ///< the author's words; absent when there are none
+  std::int64_t retakeCounter = 0;           ///< how often the pictures were taken anew
+  bool isLate = false;                      ///< late for its moment
+  std::int64_t lateInSeconds = 0;           ///< how late, in seconds
+  MediaDto primary;                         ///< main picture
+  MediaDto secondary;                       ///< inset picture
+  std::optional<SampleCollectionDto<PostQuibletDto>> quiblets;  ///< reactions; absent when the server leaves them out
+  std::optional<SampleCollectionDto<PostCommentDto>> comments;  ///< absent when the server leaves them out
+  std::optional<SampleCollectionDto<PostScreenshotDto>> screenshots;  ///< of the users who took one
+  Date takenAt{};                                                     ///< when the pictures were taken
+  Date createdAt{};                                                   ///< when the server received the post
 
   bool operator==(const PostDto&) const = default;
   static constexpr auto jsonFields() {

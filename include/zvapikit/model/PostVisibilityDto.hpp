@@ -8,7 +8,12 @@
 namespace ZAK {
 
 /// Who may see a post. An unknown text decodes as `unknown`.
-enum class PostVisibilityDto { friends, fof, public_, unknown };
+enum class PostVisibilityDto {
+  friends,  ///< the author's friends
+  fof,      ///< friends of the author's friends
+  public_,  ///< everybody, in the discovery feed; text `public`
+  unknown   ///< a text that this version of the kit does not know
+};
 
 template <>
 struct RawValues<PostVisibilityDto> {

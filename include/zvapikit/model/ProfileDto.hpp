@@ -14,13 +14,13 @@ namespace ZAK {
 
 /// A device on which the user is signed in.
 struct ProfileDeviceDto {
-  std::string deviceId;
-  std::optional<std::string> clientVersion;
-  std::optional<std::string> device;
-  std::optional<std::string> pushToken;
-  std::optional<std::string> language;
-  std::optional<std::string> platform;
-  std::optional<std::string> timezone;
+  std::string deviceId;                      ///< `DeviceInfo::deviceId` of the host there
+  std::optional<std::string> clientVersion;  ///< version of the app
+  std::optional<std::string> device;         ///< model, any text
+  std::optional<std::string> pushToken;      ///< where push notifications are sent
+  std::optional<std::string> language;       ///< a code such as `fr`
+  std::optional<std::string> platform;       ///< operating system, any text
+  std::optional<std::string> timezone;       ///< an IANA name such as `Europe/Paris`
 
   bool operator==(const ProfileDeviceDto&) const = default;
   static constexpr auto jsonFields() {
@@ -48,22 +48,22 @@ struct ProfileQuibletDto {
 
 /// The signed-in user.
 struct ProfileDto {
-  std::string id;
-  std::string username;
-  std::vector<ProfileDeviceDto> devices;
-  std::vector<ProfileQuibletDto> quiblets;  ///< stored reaction selfies
-  std::optional<std::string> fullname;
-  std::optional<std::string> phoneNumber;
-  std::optional<MediaDto> profilePicture;
-  std::optional<std::string> biography;
-  std::optional<std::string> location;  ///< any text
-  std::optional<std::string> countryCode;
-  std::optional<RegionCodeDto> region;
-  bool canPost = false;
-  bool canUpdateRegion = false;
-  std::optional<std::string> newUsername;
+  std::string id;                                ///< identifier of the user
+  std::string username;                          ///< unique name
+  std::vector<ProfileDeviceDto> devices;         ///< on which the user is signed in
+  std::vector<ProfileQuibletDto> quiblets;       ///< stored reaction selfies, one an emoji
+  std::optional<std::string> fullname;           ///< as the user gave it
+  std::optional<std::string> phoneNumber;        ///< in E.164 form, for example `+33639980101`
+  std::optional<MediaDto> profilePicture;        ///< absent when there is none
+  std::optional<std::string> biography;          ///< in the user's own words
+  std::optional<std::string> location;           ///< any text
+  std::optional<std::string> countryCode;        ///< ISO 3166-1 alpha-2, for example `FR`
+  std::optional<RegionCodeDto> region;           ///< whose moments the user posts for
+  bool canPost = false;                          ///< false once the user has posted for the moment
+  bool canUpdateRegion = false;                  ///< false while the server refuses another change
+  std::optional<std::string> newUsername;        ///< a user name that is asked for and not yet in force
   std::optional<Date> accountDeleteScheduledAt;  ///< set while a deletion of the account is pending
-  std::optional<Date> createdAt;
+  std::optional<Date> createdAt;                 ///< when the profile was made
 
   bool operator==(const ProfileDto&) const = default;
   static constexpr auto jsonFields() {

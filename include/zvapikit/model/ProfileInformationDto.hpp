@@ -15,6 +15,7 @@ namespace ZAK {
 /// What a user tells about themselves. As the body of an update it changes what is present and leaves the rest alone.
 struct ProfileInformationDto {
   ProfileInformationDto() = default;
+  /// All fields, in their order.
   ProfileInformationDto(std::optional<std::string> username_, std::optional<std::string> fullname_,
                         std::optional<std::string> biography_, std::optional<std::string> location_,
                         std::optional<Date> birthdate_, std::optional<std::string> device_,
@@ -34,18 +35,18 @@ struct ProfileInformationDto {
         language(std::move(language_)),
         clientVersion(std::move(clientVersion_)) {}
 
-  std::optional<std::string> username;
-  std::optional<std::string> fullname;
-  std::optional<std::string> biography;
-  std::optional<std::string> location;  ///< any text
-  std::optional<Date> birthdate;
-  std::optional<std::string> device;
-  std::optional<std::string> deviceId;
-  std::optional<std::string> platform;
-  std::optional<std::string> timezone;
-  std::optional<std::string> pushToken;
-  std::optional<std::string> language;
-  std::optional<std::string> clientVersion;
+  std::optional<std::string> username;       ///< unique among users
+  std::optional<std::string> fullname;       ///< as other users shall see it
+  std::optional<std::string> biography;      ///< any text
+  std::optional<std::string> location;       ///< any text
+  std::optional<Date> birthdate;             ///< one that cannot be fails with the key `errorBirthdate`
+  std::optional<std::string> device;         ///< model, any text
+  std::optional<std::string> deviceId;       ///< `DeviceInfo::deviceId`
+  std::optional<std::string> platform;       ///< operating system, any text
+  std::optional<std::string> timezone;       ///< an IANA name such as `Europe/Paris`
+  std::optional<std::string> pushToken;      ///< where push notifications are sent
+  std::optional<std::string> language;       ///< a code such as `fr`
+  std::optional<std::string> clientVersion;  ///< version of the app
 
   bool operator==(const ProfileInformationDto&) const = default;
   static constexpr auto jsonFields() {
@@ -67,6 +68,7 @@ struct ProfileInformationDto {
 /// Body that creates the profile.
 struct ZVAPIKIT_API ProfileCreateInformationDto {
   ProfileCreateInformationDto() = default;
+  /// All fields, in their order.
   ProfileCreateInformationDto(std::string username_, std::string fullname_, Date birthdate_,
                               std::optional<std::string> device_, std::optional<std::string> deviceId_,
                               std::optional<std::string> platform_, std::optional<std::string> timezone_,
@@ -85,17 +87,17 @@ struct ZVAPIKIT_API ProfileCreateInformationDto {
         clientVersion(std::move(clientVersion_)),
         parentalConsentRequestId(std::move(parentalConsentRequestId_)) {}
 
-  std::string username;
-  std::string fullname;
-  Date birthdate{};
-  std::optional<std::string> device;
-  std::optional<std::string> deviceId;
-  std::optional<std::string> platform;
-  std::optional<std::string> timezone;
-  std::optional<std::string> pushToken;
-  std::optional<std::string> language;
-  std::optional<std::string> clientVersion;
-  std::optional<std::string> parentalConsentRequestId;
+  std::string username;                                 ///< one that is taken fails with the key `usernameNotAvailable`
+  std::string fullname;                                 ///< as other users shall see it
+  Date birthdate{};                                     ///< one that cannot be fails with the key `errorBirthdate`
+  std::optional<std::string> device;                    ///< model, any text
+  std::optional<std::string> deviceId;                  ///< `DeviceInfo::deviceId`
+  std::optional<std::string> platform;                  ///< operating system, any text
+  std::optional<std::string> timezone;                  ///< an IANA name such as `Europe/Paris`
+  std::optional<std::string> pushToken;                 ///< where push notifications are sent
+  std::optional<std::string> language;                  ///< a code such as `fr`
+  std::optional<std::string> clientVersion;             ///< version of the app
+  std::optional<std::string> parentalConsentRequestId;  ///< identifier of the parents' consent, where one is needed
 
   /// What a new profile takes from `infos`, which must hold the three required values; biography and location are not
   /// part of it.
@@ -122,7 +124,7 @@ struct ZVAPIKIT_API ProfileCreateInformationDto {
 
 /// Body that sets the user name, or clears it with an explicit null.
 struct ProfileInformationUsernameDto {
-  NullEncodable<std::string> username;
+  NullEncodable<std::string> username;  ///< cleared when absent
 
   bool operator==(const ProfileInformationUsernameDto&) const = default;
   static constexpr auto jsonFields() {

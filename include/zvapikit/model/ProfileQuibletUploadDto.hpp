@@ -12,6 +12,7 @@ namespace ZAK {
 /// Body that stores an uploaded reaction selfie.
 struct ProfileQuibletUploadDto {
   ProfileQuibletUploadDto() = default;
+  /// All fields, in their order.
   ProfileQuibletUploadDto(std::string emoji_, MediaBucketDto media_)
       : emoji(std::move(emoji_)), media(std::move(media_)) {}
 

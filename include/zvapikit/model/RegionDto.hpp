@@ -10,8 +10,8 @@ namespace ZAK {
 
 /// A region of the world, whose users share their moments.
 struct RegionDto {
-  RegionCodeDto code;
-  std::string name;  ///< for people
+  RegionCodeDto code;  ///< names the region to the server
+  std::string name;    ///< for people, in the language asked for
 
   bool operator==(const RegionDto&) const = default;
   static constexpr auto jsonFields() {
@@ -21,7 +21,7 @@ struct RegionDto {
 
 /// Body that changes the user's region.
 struct RegionUpdateDto {
-  RegionCodeDto region;
+  RegionCodeDto region;  ///< the new one
 
   bool operator==(const RegionUpdateDto&) const = default;
   static constexpr auto jsonFields() { return std::array{JSONField::of<&RegionUpdateDto::region>("region")}; }

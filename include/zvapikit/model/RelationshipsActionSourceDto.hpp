@@ -8,7 +8,13 @@
 namespace ZAK {
 
 /// Where in the app a friend request was started. An unknown text fails to decode.
-enum class RelationshipsActionSourceDto { username, contact, profile, comment, fof };
+enum class RelationshipsActionSourceDto {
+  username,  ///< the search for a name
+  contact,   ///< the address book
+  profile,   ///< the person's profile
+  comment,   ///< a comment of the person's
+  fof        ///< the feed of friends' friends
+};
 
 template <>
 struct RawValues<RelationshipsActionSourceDto> {

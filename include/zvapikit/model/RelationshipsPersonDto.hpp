@@ -14,14 +14,14 @@ namespace ZAK {
 
 /// An entry of a list of friends, requests or suggestions.
 struct RelationshipsPersonDto {
-  std::string id;
-  std::string username;
-  std::optional<std::string> fullname;
-  std::optional<std::int64_t> mutualFriends;  ///< their number
-  std::optional<MediaDto> profilePicture;
-  std::optional<std::string> hashedPhoneNumber;
-  std::optional<Date> createdAt;
-  std::optional<Date> updatedAt;
+  std::string id;                                ///< identifier of the user
+  std::string username;                          ///< unique name
+  std::optional<std::string> fullname;           ///< as the user gave it
+  std::optional<std::int64_t> mutualFriends;     ///< number of friends in common with the reader
+  std::optional<MediaDto> profilePicture;        ///< absent when there is none
+  std::optional<std::string> hashedPhoneNumber;  ///< of a contact that was asked for, hashed by the server
+  std::optional<Date> createdAt;                 ///< when the relationship began
+  std::optional<Date> updatedAt;                 ///< when its status last changed
   std::optional<RelationshipsStatusDto> status;  ///< how the reader is related to this person
 
   bool operator==(const RelationshipsPersonDto&) const = default;

@@ -8,7 +8,13 @@
 namespace ZAK {
 
 /// How the reader of a record is related to a person. An unknown text fails to decode.
-enum class RelationshipsStatusDto { pending, accepted, rejected, canceled, sent };
+enum class RelationshipsStatusDto {
+  pending,   ///< the person has asked the reader to be a friend
+  accepted,  ///< the two are friends
+  rejected,  ///< the request was turned down
+  canceled,  ///< the request was taken back
+  sent       ///< the reader has asked the person to be a friend
+};
 
 template <>
 struct RawValues<RelationshipsStatusDto> {

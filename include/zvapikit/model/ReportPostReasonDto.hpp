@@ -9,15 +9,15 @@ namespace ZAK {
 
 /// Why a post is reported. An unknown text fails to decode.
 enum class ReportPostReasonDto {
-  spam,
-  scamOrUntrue,
-  inappropriateCaption,
-  justNotForMe,
-  nudityOrSexual,
-  violentOrDangerous,
-  hateSpeechOrSymbols,
-  suicideOrSelfHarm,
-  other
+  spam,                  ///< unwanted advertising, or the same again and again
+  scamOrUntrue,          ///< meant to deceive
+  inappropriateCaption,  ///< the words, not the pictures
+  justNotForMe,          ///< against no rule, but unwelcome
+  nudityOrSexual,        ///< naked people or sexual content
+  violentOrDangerous,    ///< violence, weapons, dangerous acts
+  hateSpeechOrSymbols,   ///< hatred of a group of people
+  suicideOrSelfHarm,     ///< somebody may need help
+  other                  ///< see the comment
 };
 
 template <>

@@ -9,13 +9,13 @@ namespace ZAK {
 
 /// Why a profile is reported. An unknown text fails to decode.
 enum class ReportProfileReasonDto {
-  repeatedFriendInvites,
-  inappropriateProfilePhoto,
-  inappropriateUsername,
-  inappropriateQuiblet,
-  impersonation,
-  spam,
-  other
+  repeatedFriendInvites,      ///< asks to be a friend again and again
+  inappropriateProfilePhoto,  ///< the profile picture
+  inappropriateUsername,      ///< the user name
+  inappropriateQuiblet,       ///< a reaction selfie
+  impersonation,              ///< passes for somebody else
+  spam,                       ///< unwanted advertising
+  other                       ///< see the comment
 };
 
 template <>

@@ -13,11 +13,11 @@ namespace ZAK {
 
 /// Somebody found by a search.
 struct SearchPersonDto {
-  std::string id;
-  std::string username;
-  std::optional<std::string> fullname;
-  std::optional<std::int64_t> mutualFriends;  ///< their number
-  std::optional<MediaDto> profilePicture;
+  std::string id;                                ///< identifier of the user
+  std::string username;                          ///< unique name
+  std::optional<std::string> fullname;           ///< as the user gave it
+  std::optional<std::int64_t> mutualFriends;     ///< number of friends in common with the reader
+  std::optional<MediaDto> profilePicture;        ///< absent when there is none
   std::optional<RelationshipsStatusDto> status;  ///< how the reader is related to this person
 
   bool operator==(const SearchPersonDto&) const = default;

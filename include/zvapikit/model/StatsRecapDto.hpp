@@ -11,9 +11,9 @@ namespace ZAK {
 
 /// One card of the user's statistics.
 struct StatsRecapCardDto {
-  std::string title;
-  std::optional<std::string> subtitle;
-  std::string cardType;  ///< any text
+  std::string title;                    ///< in the language asked for
+  std::optional<std::string> subtitle;  ///< in the language asked for
+  std::string cardType;                 ///< how to show the card, any text
 
   bool operator==(const StatsRecapCardDto&) const = default;
   static constexpr auto jsonFields() {
@@ -25,7 +25,7 @@ struct StatsRecapCardDto {
 
 /// The user's statistics.
 struct StatsRecapDto {
-  std::vector<StatsRecapCardDto> cards;
+  std::vector<StatsRecapCardDto> cards;  ///< in the order to show them
 
   bool operator==(const StatsRecapDto&) const = default;
   static constexpr auto jsonFields() { return std::array{JSONField::of<&StatsRecapDto::cards>("cards")}; }

@@ -9,7 +9,16 @@
 namespace ZAK {
 
 /// What the user is asked to agree to. An unknown text decodes as `unknown`.
-enum class TermCodeDto { memories, gps, terms, privacy, fofConnector, camera, contacts, unknown };
+enum class TermCodeDto {
+  memories,      ///< the keeping of past posts
+  gps,           ///< the place at which a post was taken
+  terms,         ///< the terms of use
+  privacy,       ///< the privacy policy
+  fofConnector,  ///< being shown to friends' friends; text `show-friends-to-friends`
+  camera,        ///< the use of the camera
+  contacts,      ///< the use of the address book
+  unknown        ///< a text that this version of the kit does not know
+};
 
 template <>
 struct RawValues<TermCodeDto> {
@@ -27,7 +36,11 @@ template <>
 inline constexpr bool CodableLastByDefault<TermCodeDto> = true;
 
 /// What the user answered. An unknown text, lower case included, decodes as `unknown`.
-enum class TermStatusDto { accepted, declined, unknown };
+enum class TermStatusDto {
+  accepted,  ///< text `ACCEPTED`
+  declined,  ///< text `DECLINED`
+  unknown    ///< a text that this version of the kit does not know, or no answer yet
+};
 
 template <>
 struct RawValues<TermStatusDto> {
@@ -41,8 +54,8 @@ inline constexpr bool CodableLastByDefault<TermStatusDto> = true;
 
 /// A term and the user's answer to it.
 struct TermDto {
-  TermCodeDto code = TermCodeDto::memories;
-  TermStatusDto status = TermStatusDto::accepted;
+  TermCodeDto code = TermCodeDto::memories;        ///< what was asked
+  TermStatusDto status = TermStatusDto::accepted;  ///< what the user answered
 
   bool operator==(const TermDto&) const = default;
   static constexpr auto jsonFields() {

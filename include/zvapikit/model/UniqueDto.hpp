@@ -9,7 +9,7 @@ namespace ZAK {
 /// An answer that wraps one value.
 template <class Payload>
 struct UniqueDto {
-  Payload data;
+  Payload data;  ///< the value itself
 
   bool operator==(const UniqueDto&) const = default;
   static constexpr auto jsonFields() { return std::array{JSONField::of<&UniqueDto::data>("data")}; }

@@ -8,6 +8,8 @@ namespace ZAK {
 
 /// What the host program says about itself. It goes into the user agent, the version header and the default
 /// directories. A value that is missing is the text `unknown`.
+///
+/// Thread safety: as a standard container.
 struct ZVAPIKIT_API BundleInfo {
   std::string executable = "unknown";    ///< name of the program, for example `MyApp`
   std::string shortVersion = "unknown";  ///< for people, for example `2.3.1`

@@ -8,10 +8,13 @@
 namespace ZAK {
 
 /// Where the machine's time zone is looked up.
+///
+/// Thread safety: as a standard container; `current` reads the environment, so it must not race with `setenv`.
 struct ZVAPIKIT_API TimeZoneEnvironment {
   std::string tz{};                  ///< `TZ`; empty when unset
   std::filesystem::path root = "/";  ///< the file system that holds `etc/` and `usr/share/zoneinfo/`
 
+  /// That of this process.
   static TimeZoneEnvironment current();
 };
 

@@ -86,6 +86,11 @@ TEST(KitProxy, CarriesRequestsThatMustNotBeRepeated) {
   EXPECT_EQ(kit.outcomeOf(kit.reading()), "ok");
   EXPECT_EQ(kit.traffic(), (Texts{"firebase", "GET /content/posts/post-bob signed"}));
   EXPECT_GT(proxy.tunnels, 0);
+
+  context = kit.context();
+  context.transport.proxy = "http://127.0.0.1:1";
+  kit.client = MobileApiClient::create(std::move(context));
+  EXPECT_EQ(kit.outcomeOf(kit.reading()), "httpError: connection refused: the proxy for mobile-dev.zolvi.example");
 }
 
 }  // namespace

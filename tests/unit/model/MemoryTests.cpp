@@ -165,5 +165,13 @@ TEST(MemoriesVideoLocation, IsAUrlBelowTheDocuments) {
   EXPECT_EQ(MemoriesVideoLocation::absolute(elsewhere).url("/d"), elsewhere);
 }
 
+TEST(MemoriesVideoLocation, HasAPathOnTheDevice) {
+  EXPECT_EQ(MemoriesVideoLocation::documents("memories/a b.mp4").path("/d #1"), "/d #1/memories/a b.mp4");
+  EXPECT_EQ(MemoriesVideoLocation::absolute(*URL::parse("file:///v/a%20b.mp4")).path("/d"), "/v/a b.mp4");
+  for (const char* elsewhere : {"https://h/v.mp4", "file://h/v.mp4", "/v.mp4"}) {
+    EXPECT_THROW((void)MemoriesVideoLocation::absolute(*URL::parse(elsewhere)).path("/d"), ZAKError) << elsewhere;
+  }
+}
+
 }  // namespace
 }  // namespace ZAK

@@ -95,7 +95,7 @@ awaitable<void> watchVideo(Stage* stage) {
   const auto received = line.add("recap.mp4 ");
   const auto place = co_await memories.getVideo(recap.videoUrl, false, recap.id, received);
   line.finish();
-  const std::filesystem::path file = memories.directories().documents / *place.documentsPath();
+  const std::filesystem::path file = place.path(memories.directories().documents);
   Stage::check(std::filesystem::file_size(file) == Stage::videoSize, "the video is there as a whole");
   stage->step("Downloaded it to " + *place.documentsPath());
 

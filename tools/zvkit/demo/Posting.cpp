@@ -72,8 +72,8 @@ awaitable<void> post(Stage* stage) {
   ZAK::ContentDomain content{stage->app};
   ZAK::CreatePostDto newPost;
   newPost.takenAt = stage->clock->now();
-  newPost.backCamera = ZAK::CreatePostPictureDto(places[0].bucket, places[0].path, 1500, 2000);
-  newPost.frontCamera = ZAK::CreatePostPictureDto(places[1].bucket, places[1].path, 1500, 2000);
+  newPost.backCamera = places[0].picture(1500, 2000);
+  newPost.frontCamera = places[1].picture(1500, 2000);
   newPost.visibility = {ZAK::PostVisibilityDto::friends};
   newPost.location = ZAK::CreatePostLocationDto(48.8566, 2.3522);
   const ZAK::PostDto published = co_await content.createMyPost(newPost);
@@ -139,8 +139,7 @@ awaitable<void> reactWithEmoji(Stage* stage) {
   const auto target = co_await uploads.askProfileQuibletUploadUrl();
   const std::string selfie = jpeg(300'000);
   co_await uploadPicture(stage, "selfie", selfie, target);
-  const ZAK::MediaBucketDto media(target.bucket, target.path, 500, 500);
-  const ZAK::ProfileQuibletUploadDto stored("😍", media);
+  const ZAK::ProfileQuibletUploadDto stored("😍", target.media(500, 500));
   co_await profile.updateQuiblet(stored);
 
   const auto reaction = co_await content.addEmoji("😍", fridasPost, frida);
@@ -155,7 +154,7 @@ awaitable<void> reactInstantly(Stage* stage) {
   const auto target = co_await uploads.askInstantQuibletUploadUrl();
   const std::string selfie = jpeg(400'000);
   co_await uploadPicture(stage, "instant", selfie, target);
-  const ZAK::AddInstantQuibletDto instant(ZAK::MediaBucketDto(target.bucket, target.path, 500, 500));
+  const ZAK::AddInstantQuibletDto instant(target.media(500, 500));
   const auto reaction = co_await content.addInstant(instant, fridasPost, frida);
   const std::string shown = co_await downloaded(stage, reaction.media.url);
   Stage::check(reaction.isInstant && shown == selfie, "the reaction shows the selfie just taken");

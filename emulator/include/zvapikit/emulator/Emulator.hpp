@@ -18,11 +18,13 @@
 namespace ZAK {
 
 /// What an emulator has seen and done since it started.
+///
+/// Thread safety: as a standard container.
 struct ZVAPIKIT_API EmulatorCounts {
   /// Requests by method and path template, e.g. `GET /content/posts/{postId}`; those that fit no route by their path.
   std::map<std::string, std::size_t> requests{};
-  std::size_t connections = 0;
-  std::size_t faults = 0;  ///< requests that met a fault
+  std::size_t connections = 0;  ///< taken on so far, the closed ones too
+  std::size_t faults = 0;       ///< requests that met a fault
   /// Reports of profiles and posts by their reason. A user's later report of the same replaces the earlier one.
   std::map<std::string, std::size_t> reports{};
   std::size_t analyticsEvents = 0;  ///< in all the batches
@@ -34,14 +36,17 @@ struct ZVAPIKIT_API EmulatorCounts {
 /// The back-end on one's own machine: the authentication server, the mobile API and the storage bucket of both
 /// environments, served over TLS on one loopback port, with their state in memory.
 ///
-/// Its operations may be called from any thread. The executor's context must outlive the emulator; it may be run by
-/// several threads. `stop`, or dropping the last reference, ends all its work on the context.
+/// The executor's context must outlive the emulator; it may be run by several threads. `stop`, or dropping the last
+/// reference, ends all its work on the context. Its operations return at once, without a wait to be cancelled.
+///
+/// Thread safety: callable from any thread, but not by what `EmulatorOptions::now` and `EmulatorFault::predicate` run.
 class ZVAPIKIT_API Emulator {
  public:
   /// Listens before it returns; serves once the executor's context runs.
-  /// @throws std::invalid_argument for an empty executor, boost::system::system_error when the port is taken.
+  /// \throws std::invalid_argument for an empty executor; boost::system::system_error when the port is taken.
   [[nodiscard]] static std::shared_ptr<Emulator> start(boost::asio::any_io_executor executor,
                                                        EmulatorOptions options = {});
+  /// As `stop`.
   ~Emulator();
   Emulator(const Emulator&) = delete;
   Emulator& operator=(const Emulator&) = delete;
@@ -49,10 +54,12 @@ class ZVAPIKIT_API Emulator {
   /// Closes the port and every connection; takes effect as the context runs. May be called more than once.
   void stop();
 
+  /// The port on 127.0.0.1 that it listens on.
   [[nodiscard]] int port() const noexcept;
   /// The authority's certificate in PEM form, readable by this user alone; removed with the emulator.
   [[nodiscard]] const std::filesystem::path& caFile() const noexcept;
-  /// Sends a client's requests for the usual hosts here, and makes it trust the certificate.
+  /// Sends a client's requests for the usual hosts here, and makes it trust the certificate. Give the client a keychain
+  /// of its own as well: in the default one its tokens would take the place of the real back-end's.
   [[nodiscard]] TransportOptions transportOptions() const;
 
   /// Makes the authentication servers take the Firebase token as this user's.
@@ -69,6 +76,7 @@ class ZVAPIKIT_API Emulator {
   /// Ends all misbehaviour; what `timesMet` tells is kept.
   void clearFaults();
 
+  /// What it has seen and done so far.
   [[nodiscard]] EmulatorCounts counts() const;
   /// The latest requests, oldest first.
   [[nodiscard]] std::vector<EmulatorRequest> requests() const;
