@@ -19,10 +19,8 @@
 
 void setup();
 void signIn();
-void errors();
 void transfers();
 void threads();
-void paging();
 void testing();
 void logging();
 void deployment();

@@ -17,13 +17,13 @@ boost::asio::awaitable<ZAK::MediaBucketDto> uploadSelfie(ZAK::UploadDomain uploa
     std::clog << done << " of " << total.value_or(0) << " bytes\r";
   };
   co_await uploads.uploadFile(file, target, sent);
-  co_return ZAK::MediaBucketDto(target.bucket, target.path, 1500, 2000);
+  co_return target.media(1500, 2000);  // pixels
 }
 
 boost::asio::awaitable<std::filesystem::path> watchRecap(ZAK::MemoriesDomain memories, ZAK::URL url) {
   const bool force = false;  // what is on the device already is good enough
   const ZAK::MemoriesVideoLocation location = co_await memories.getVideo(url, force, "2022");
-  co_return memories.directories().documents / *location.documentsPath();
+  co_return location.path(memories.directories().documents);
 }
 
 boost::asio::awaitable<ZAK::HTTPResponse> fetchLargeFile(std::shared_ptr<ZAK::MobileApiClient> client, ZAK::URL url,
