@@ -1,13 +1,10 @@
-#include "http/BodyReader.hpp"
 #include "support/TemporaryDirectory.hpp"
 
 #include <zvapikit/http/HTTPBody.hpp>
 
 #include <gmock/gmock.h>
 
-#include <functional>
 #include <stdexcept>
-#include <sys/stat.h>
 
 namespace ZAK {
 namespace {
@@ -38,62 +35,6 @@ TEST(HTTPBody, writesFormsAsBrowsersDo) {
   }
   EXPECT_THROW(HTTPBody::multipart({}, std::string(71, 'b')), std::invalid_argument);
   EXPECT_THROW(HTTPBody::multipart({HTTPBodyPart("n", HTTPBody::data("", "a/b\r\nX: 1"))}), std::invalid_argument);
-}
-
-std::string readThrough(BodyReader& reader, std::size_t step) {
-  std::string result;
-  std::string room(step, '\0');
-  while (const std::size_t count = reader.read(room)) result.append(room, 0, count);
-  return result;
-}
-
-TEST(BodyReader, givesEveryByteOnceWhateverTheRoom) {
-  const Tests::TemporaryDirectory root;
-  const fs::path file = root.write("file", "0123456789");
-  const fs::path empty = root.write("empty", "");
-  fs::create_symlink(file, root.path() / "link");
-  const auto body =
-      HTTPBody::multipart({HTTPBodyPart("a", HTTPBody::file(root.path() / "link")),
-                           HTTPBodyPart("b", HTTPBody::file(empty)), HTTPBodyPart("c", HTTPBody::data("memory"))});
-  const std::string whole = body.bytes();
-  BodyReader reader(body);
-  EXPECT_EQ(reader.size(), whole.size());
-  for (std::size_t step = 1; step < whole.size() + 2; ++step) {
-    EXPECT_EQ(readThrough(reader, step), whole) << step;
-    reader.rewind();
-    readThrough(reader, whole.size() / 2);
-    reader.rewind();
-  }
-}
-
-TEST(BodyReader, aFileThatIsNotWhatItWasFailsBeforeItsLastByte) {
-  const Tests::TemporaryDirectory root;
-  const fs::path file = root.path() / "file";
-  const std::function<void()> spoils[] = {
-      [&] { fs::resize_file(file, 9); },
-      [&] { fs::resize_file(file, 11); },
-      [&] { fs::resize_file(file, 0); },
-      [&] { fs::last_write_time(file, fs::file_time_type::clock::now() - std::chrono::hours(1)); },
-  };
-  for (const auto& spoil : spoils) {
-    root.write("file", "0123456789");
-    BodyReader reader(HTTPBody::file(file));
-    std::string room(4, '\0');
-    ASSERT_EQ(reader.read(room), 4U);
-    spoil();
-    std::size_t given = 4;
-    EXPECT_THROW(
-        {
-          while (const std::size_t count = reader.read(room)) given += count;
-        },
-        fs::filesystem_error);
-    EXPECT_LT(given, 10U);
-  }
-  const fs::path pipe = root.path() / "pipe";
-  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-  for (const fs::path& none : {root.path() / "missing", root.path(), pipe, fs::path("/dev/zero"), fs::path()}) {
-    EXPECT_THROW(BodyReader(HTTPBody::file(none)), fs::filesystem_error) << none;
-  }
 }
 
 }  // namespace

@@ -110,17 +110,6 @@ TEST_F(HTTPClientTest, sendsOnceAndNotifiesOnce) {
                           "redirected https://three.example/", "challenged", "metrics 1", "finished 200 OK"));
 }
 
-TEST_F(HTTPClientTest, anUnsendableRequestReachesNobody) {
-  client->insertValidatorAtFront(std::make_shared<FunctionValidator>([](const HTTPResponse&) -> HTTPValidatorResult {
-    ADD_FAILURE() << "validators saw a request that was not sent";
-    return HTTPValidatorResult::next();
-  }));
-  const HTTPResponse response = fetch(HTTPRequest(HTTPMethod::get, "/{id}", {{"id", ".."}}));
-  EXPECT_EQ(response.error.value().kind(), HTTPError::Kind::invalidRequest);
-  EXPECT_TRUE(recorder->events.empty());
-  EXPECT_TRUE(transport->requests().empty());
-}
-
 asio::awaitable<void> sign(std::shared_ptr<HTTPRequest> target, std::string token, std::optional<int> limit) {
   target->headers.set(HTTPHeaders::Element::bearer(token));
   if (limit) target->maxRetries = *limit;
@@ -161,35 +150,6 @@ TEST_F(HTTPClientTest, aTaskResetsTheLimitButNotTheCount) {
     EXPECT_EQ(fetch(request(HTTPMethod::post, first)).statusCode.code(), 401);
     EXPECT_EQ(transport->requests().size(), sent) << first << " then " << later;
   }
-}
-
-TEST_F(HTTPClientTest, aTaskThatMakesTheRequestUnsendableEndsTheCall) {
-  signAgainOn401(signer("a\r\nb"));
-  transport->add(ScriptedAnswer(401));
-  EXPECT_EQ(fetch(request(HTTPMethod::get, 2)).error.value().kind(), HTTPError::Kind::invalidRequest);
-  EXPECT_EQ(transport->requests().size(), 1u);
-  EXPECT_THAT(recorder->events.back(), testing::StartsWith("finished the value of header Authorization"));
-}
-
-asio::awaitable<void> failingTask(std::shared_ptr<HTTPRequest>) {
-  throw std::runtime_error("no token");
-  co_return;
-}
-
-TEST_F(HTTPClientTest, aFailedTaskIsReportedAndTheRequestSent) {
-  std::vector<std::string> reports;
-  signAgainOn401(failingTask, [&](const std::exception_ptr& error) {
-    try {
-      std::rethrow_exception(error);
-    } catch (const std::exception& failure) {
-      reports.emplace_back(failure.what());
-    }
-    throw std::runtime_error("a reporter's own");
-  });
-  transport->add(ScriptedAnswer(401));
-  transport->add(ScriptedAnswer(200));
-  EXPECT_FALSE(fetch(request(HTTPMethod::get, 1)).error);
-  EXPECT_THAT(reports, ElementsAre("no token"));
 }
 
 TEST_F(HTTPClientTest, anObserverThatThrowsChangesNothing) {

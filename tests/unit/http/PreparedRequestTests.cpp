@@ -22,10 +22,27 @@ std::string sentURL(const HTTPRequest& request, const std::optional<URL>& base, 
   }
 }
 
+HTTPRequest asking(std::string uri) {
+  HTTPRequest request(HTTPMethod::get, std::move(uri));
+  request.add({"page", std::nullopt});
+  request.addParameter("k k", "a+b&c");
+  request.addParameter("page", "1");
+  return request;
+}
+
 TEST(PreparedRequest, findsTheURLOrRefuses) {
   const std::optional<URL> base = URL::parse("https://h.example/main/api");
   const std::vector<std::tuple<std::optional<URL>, HTTPRequest, std::string>> cases{
-      {base, HTTPRequest(HTTPMethod::get, "/a/{v}", {{"v", "b c"}}), "https://h.example/main/api/a/b%20c"},
+      {base, HTTPRequest(HTTPMethod::get, "/a/{v}", {{"v", "a/b ?é%"}}),
+       "https://h.example/main/api/a/a%2Fb%20%3F%C3%A9%25"},
+      {base, HTTPRequest(HTTPMethod::get, "/a/{none}/{v", {{"v", "b"}}), "https://h.example/main/api/a//%7Bv"},
+      {URL::parse("https://h.example/api/?k=v#f"), asking("a"), "https://h.example/api/a?page&k%20k=a%2Bb%26c&page=1"},
+      {base, asking("/a?x#f"), "https://h.example/main/api/a?x&page&k%20k=a%2Bb%26c&page=1"},
+      {base, asking("/a?"), "https://h.example/main/api/a?page&k%20k=a%2Bb%26c&page=1"},
+      {base, HTTPRequest(HTTPMethod::get, "//b.example/a"), "https://h.example/main/api//b.example/a"},
+      {base, HTTPRequest(HTTPMethod::get, "{v}", {{"v", "https://b.example"}}),
+       "https://h.example/main/api/https%3A%2F%2Fb.example"},
+      {std::nullopt, HTTPRequest(HTTPMethod::get, "HTTPS://b.example"), "HTTPS://b.example"},
       {base, HTTPRequest(HTTPMethod::get, "/a b"), "https://h.example/main/api/a%20b"},
       {base, HTTPRequest(HTTPMethod::get, "/a/../b"), "https://h.example/main/api/a/../b"},
       {base, HTTPRequest(HTTPMethod::get, "/a/{v}", {{"v", ".."}}), "refused"},
@@ -108,6 +125,11 @@ TEST(PreparedRequest, refusesMalformedHeaders) {
     request.headers.set(element);
     EXPECT_EQ(sentURL(request, base) != "refused", allowed) << element.name << ": " << element.value;
   }
+}
+
+TEST(HTTPRequest, describesItselfWithoutASignature) {
+  EXPECT_EQ(asking("content/{id}").description(), "GET /content/?page&k%20k=a%2Bb%26c&page=1");
+  EXPECT_EQ(asking("https://bucket.example/o?signature=secret").description(), "GET https://bucket.example/o");
 }
 
 TEST(HTTPHeaders, comparesNamesWithoutCase) {

@@ -109,16 +109,6 @@ TEST(Retry, defaultValidatorRepeatsOnlyWhatIsSafe) {
   }
 }
 
-TEST(Retry, everyStatusOutside2xxIsAnError) {
-  for (const auto& [status, text] : std::vector<std::pair<int, std::string>>{
-           {204, ""}, {299, ""}, {304, "HTTP 304 Not Modified"}, {404, "HTTP 404 Not Found"}, {599, "HTTP 599"}}) {
-    HTTPResponse response = answer(status);
-    judged(response, HTTPRequest(HTTPMethod::get, "/a"), {makeDefaultValidator()}, 0);
-    EXPECT_EQ(response.error ? response.error->description() : "", text);
-    EXPECT_EQ(response.error ? response.error->statusCode().code() : status, status);
-  }
-}
-
 TEST(Retry, validatorsRunInOrderUntilOneDecides) {
   const auto next = std::make_shared<FixedValidator>(HTTPValidatorResult::next());
   const auto retry = std::make_shared<FixedValidator>(HTTPValidatorResult::retry(HTTPRetryStrategy::exponential(2)));

@@ -3,13 +3,9 @@
 #include <zvapikit/http/ManualClock.hpp>
 #include <zvapikit/http/ScriptedTransport.hpp>
 
-#include <boost/asio/detached.hpp>
-#include <boost/asio/thread_pool.hpp>
-#include <boost/asio/use_future.hpp>
 #include <gmock/gmock.h>
 
 #include <stdexcept>
-#include <thread>
 
 namespace ZAK {
 namespace {
@@ -44,37 +40,6 @@ TEST(ScriptedTransport, servesItsScript) {
   runner.drain();
   EXPECT_EQ(held.result().response.statusCode.code(), 201);
   EXPECT_EQ(transport.requests().size(), 4u);
-}
-
-TEST(ScriptedTransport, contextMayEndWithCallsHeld) {
-  ScriptedHold hold;
-  ManualClock clock;
-  {
-    asio::io_context context;
-    asio::co_spawn(context, hold.wait(), asio::detached);
-    asio::co_spawn(context, clock.wait(milliseconds(5)), asio::detached);
-    context.poll();
-    EXPECT_EQ(hold.waiting() + clock.pendingWaits(), 2u);
-  }
-  EXPECT_EQ(hold.waiting() + clock.pendingWaits(), 0u);
-  hold.release();
-  clock.advance(milliseconds(5));
-}
-
-// A release that falls between the start of a call and the beginning of its wait must not be lost.
-TEST(ScriptedTransport, releasesFromAnotherThreadAreNotLost) {
-  asio::thread_pool pool(2);
-  for (int i = 0; i < 500; ++i) {
-    ScriptedHold hold;
-    ManualClock clock;
-    auto held = asio::co_spawn(pool, hold.wait(), asio::use_future);
-    auto timed = asio::co_spawn(pool, clock.wait(milliseconds(1)), asio::use_future);
-    while (clock.waits().empty()) std::this_thread::yield();
-    hold.release();
-    clock.advance(milliseconds(1));
-    held.get();
-    timed.get();
-  }
 }
 
 TEST(ManualClock, waitsEndWhenTimeReachesThem) {
