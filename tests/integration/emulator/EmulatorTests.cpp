@@ -124,7 +124,7 @@ TEST(EmulatorFaults, AreMetByTheCallsTheyAreMeantFor) {
   const std::pair<EmulatorFault, const char*> cases[] = {
       {{.path = "/content/posts/{id}", .answer = EmulatorResponse{418}}, "httpError: HTTP 418"},
       {{.raw = "SSH-2.0-nonsense\r\n\r\n"}, "httpError: the answer is not HTTP"},
-      {{.gzipBomb = 1000}, "The given data was not valid JSON."},
+      {{.gzipBomb = 1000}, "missing key id"},
       {{.contentLengthError = 10, .ending = Ending::close}, "httpError: the answer was cut short"},
       {{.cutAfter = 30, .ending = Ending::drop}, "httpError: the answer was cut short"},
       {{.cutAfter = 30, .ending = Ending::reset}, "httpError: connection lost"},

@@ -94,8 +94,6 @@ KeyringDaemon::~KeyringDaemon() {
   g_dbus_connection_close_sync(bus_.get(), nullptr, nullptr);
 }
 
-bool KeyringDaemon::isThere() const { return isOwned(bus_.get()); }
-
 void KeyringDaemon::lock() {
   const char* collections[] = {"/org/freedesktop/secrets/collection/login"};
   call(bus_.get(), name, "/org/freedesktop/secrets", "org.freedesktop.Secret.Service", "Lock",

@@ -25,8 +25,6 @@ class KeyringDaemon {
   ~KeyringDaemon();
 
   void lock();
-  /// False once the process has ended.
-  [[nodiscard]] bool isThere() const;
 
  private:
   Reference<GDBusConnection> bus_;

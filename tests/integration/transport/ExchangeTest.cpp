@@ -4,12 +4,9 @@
 
 #include <zvapikit/json/JSONDecoder.hpp>
 
-#include <gmock/gmock.h>
 
 #include <atomic>
 #include <csignal>
-#include <future>
-#include <vector>
 #include <zlib.h>
 
 namespace ZAK::Tests {
@@ -18,7 +15,6 @@ namespace {
 using Connection = FaultServer::Connection;
 using Kind = HTTPError::Kind;
 using std::chrono::milliseconds;
-using testing::UnorderedElementsAre;
 
 const std::string ok = answerOf("ok");
 const std::string packedOnce = "Content-Encoding: gzip\r\n";
@@ -163,38 +159,6 @@ TEST_F(ExchangeTest, connectionsAreKeptWhileTheContextRests) {
   EXPECT_EQ(second.bytesReceived, 2U);
 }
 
-TEST_F(ExchangeTest, aConnectionThatWasClosedMeanwhileIsReplaced) {
-  for (const auto end : {&Connection::finish, &Connection::cut}) {
-    std::atomic<int> closed = 0;
-    std::promise<void> others;
-    const FaultServer server([&](Connection& client) {
-      if (!client.handshake() || client.readRequest().empty()) return;
-      if (client.index() == 0) {
-        others.get_future().wait();
-        return client.send(ok);
-      }
-      client.send(ok);
-      (client.*end)();
-      ++closed;
-    });
-    const auto shared = transport();
-    const Call busy = start(shared->perform(get(server.url())));
-    ASSERT_TRUE(runUntil([&] { return server.requests() == 1; }));
-    for (const auto method : {HTTPMethod::get, HTTPMethod::post, HTTPMethod::get, HTTPMethod::patch}) {
-      auto request = get(server.url());
-      request.method = method;
-      const Call call = start(shared->perform(request));
-      EXPECT_TRUE(runUntil([&] { return call->done() && closed == server.connections() - 1; }));
-      EXPECT_EQ(told(call->result().response), "ok");
-    }
-    others.set_value();
-    runner.drain();
-    EXPECT_EQ(told(busy->result().response), "ok") << "a connection in use is left alone";
-    EXPECT_EQ(server.connections(), 5);
-    EXPECT_EQ(server.requests(), 5);
-  }
-}
-
 TEST_F(ExchangeTest, onlyWhatMayBeRepeatedIsSentAgainWhenAKeptConnectionDies) {
   const TemporaryDirectory files;
   const HTTPBody bodies[] = {HTTPBody(), HTTPBody::data("a body"), HTTPBody::file(files.write("file", "a file"))};
@@ -224,49 +188,6 @@ TEST_F(ExchangeTest, onlyWhatMayBeRepeatedIsSentAgainWhenAKeptConnectionDies) {
   }
 }
 
-TEST_F(ExchangeTest, callsWaitForTheirTurnBeyondTheConnectTimeout) {
-  for (const int connections : {1, 2}) {
-    const FaultServer server([](Connection& client) {
-      if (client.index() == 1) client.stall();
-      if (!client.handshake()) return;
-      while (!client.readRequest().empty()) client.drip(ok, milliseconds(18));
-    });
-    auto narrow = options();
-    narrow.connectionsPerHost = connections;
-    narrow.connectTimeout = milliseconds(300);
-    const auto shared = transport(narrow);
-    std::vector<Call> calls;
-    for (int i = 0; i < 3; ++i) calls.push_back(start(shared->perform(get(server.url()))));
-    runner.drain();
-    std::vector<std::string> ends;
-    for (const Call& call : calls) ends.push_back(told(call->result().response));
-    EXPECT_THAT(ends, UnorderedElementsAre("ok", connections == 1 ? "ok" : "connecting timed out", "ok"))
-        << "of the second connection nothing came; who did not ask for it is served by the others";
-  }
-}
-
-TEST_F(ExchangeTest, whatDoesNotMoveTimesOut) {
-  for (const bool connects : {false, true}) {
-    const FaultServer server([=](Connection& client) {
-      if (connects && client.handshake()) client.readRequest();
-      client.stall();
-    });
-    auto request = get(server.url());
-    request.timeout = std::chrono::seconds(1);
-    const auto begin = std::chrono::steady_clock::now();
-    const auto shared = transport();
-    std::vector<Call> calls;
-    for (int i = 0; i < 6; ++i) calls.push_back(start(shared->perform(request)));
-    runner.drain();
-    for (const Call& call : calls) {
-      const auto response = call->result().response;
-      EXPECT_EQ(errorKind(response), connects ? Kind::timedOut : Kind::cannotConnect);
-      EXPECT_EQ(told(response), connects ? "timed out" : "connecting timed out");
-    }
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(4)) << "each waited for the one before";
-  }
-}
-
 TEST_F(ExchangeTest, theNextAddressIsTriedWhenOneIsSilent) {
   // The second attempt gets the number of the first one's socket, of which libcurl says nothing.
   const FaultServer server(FaultServer::answering(ok));
@@ -274,6 +195,20 @@ TEST_F(ExchangeTest, theNextAddressIsTriedWhenOneIsSilent) {
   auto hasty = options();
   hasty.connectTimeout = std::chrono::seconds(2);
   EXPECT_EQ(told(perform(get(server.url("/", "two.test")), hasty).response), "ok");
+}
+
+// What the proxy is asked must not be taken for a first sending of a request that may be sent once only.
+TEST_F(ExchangeTest, aProxyCarriesRequestsThatMustNotBeRepeated) {
+  const FaultServer proxy([](Connection& client) {
+    client.greet("HTTP/1.1 200 OK\r\n\r\n");
+    if (client.handshake() && !client.readRequest().empty()) client.send(ok);
+  });
+  auto through = options();
+  through.proxy = "http://127.0.0.1:" + std::to_string(proxy.port());
+  auto request = get("https://localhost:1/");
+  request.method = HTTPMethod::post;
+  EXPECT_EQ(told(perform(request, through).response), "ok");
+  EXPECT_EQ(proxy.requests(), 1);
 }
 
 TEST_F(ExchangeTest, aResetDuringAnUploadRaisesNoSignal) {
@@ -285,17 +220,6 @@ TEST_F(ExchangeTest, aResetDuringAnUploadRaisesNoSignal) {
   request.method = HTTPMethod::put;
   request.body = HTTPBody::data(std::string(8 << 20, 'x'));
   EXPECT_EQ(errorKind(perform(request).response), Kind::connectionLost);
-}
-
-TEST_F(ExchangeTest, connectToLeadsElsewhereUnderTheSameName) {
-  EXPECT_EQ(told(perform(get("https://nowhere.invalid/")).response), "could not resolve host");
-  const FaultServer server(FaultServer::answering(ok));
-  auto led = options();
-  led.connectTo.emplace_back("nowhere.invalid", 443, "localhost", server.port());
-  led.connectTo.emplace_back("", 0, "127.0.0.1", server.port());
-  const auto shared = transport(led);
-  EXPECT_EQ(told(perform(shared, get("https://localhost/")).response), "ok");
-  EXPECT_EQ(told(perform(shared, get("https://nowhere.invalid/")).response), "the certificate is not for this host");
 }
 
 }  // namespace

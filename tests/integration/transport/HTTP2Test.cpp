@@ -20,8 +20,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// nginx, which answers with the serial number of the connection and allows 128 streams on each; below `/files/` it
-/// keeps what is put there. After so many requests on a connection it ends that by GOAWAY.
+/// nginx, which answers with the serial number of the connection and allows 128 streams on each. After so many requests
+/// on a connection it ends that by GOAWAY.
 class Nginx {
  public:
   explicit Nginx(int requestsPerConnection) {
@@ -37,7 +37,6 @@ class Nginx {
           server {
             listen 127.0.0.1:)" + std::to_string(port_) + R"( ssl http2; http2_max_concurrent_streams 128;
             ssl_certificate server.pem; ssl_certificate_key server.pem;
-            location /files/ { root .; dav_methods PUT; create_full_put_path on; client_max_body_size 0; }
             location / { return 200 $connection; }
           }
         })");
@@ -77,6 +76,7 @@ boost::asio::awaitable<void> callInTurn(std::shared_ptr<HTTPClient> client, HTTP
   for (const std::string& url : urls) {
     HTTPRequest request(method, url);
     request.maxRetries = 2;
+    if (method == HTTPMethod::put) request.body = HTTPBody::file(authority().file());
     HTTPResponse response = co_await client->fetch(std::move(request));
     ended->insert_or_assign(std::string(rawValue(method)) + ' ' + url, std::move(response));
   }
@@ -155,35 +155,6 @@ TEST_F(HTTP2Test, connectionsThatTheServerEndsUnderLoadLoseNoCallAndRepeatNoPost
   }
   for (const char* method : {"GET", "PUT", "POST"}) {
     EXPECT_GT(connections[method].size(), 6U) << "no more than the pool holds: none was ended";
-  }
-}
-
-TEST_F(HTTP2Test, filesTravelBothWaysAndOneThatFailsHarmsNoOther) {
-  serve(1000);
-  const TemporaryDirectory files;
-  const std::string content(5'000'000, 'x');
-  const auto shared = transport();
-  std::vector<Call> calls;
-  for (int i = 0; i < 4; ++i) {
-    const fs::path file = files.write(std::to_string(i), content);
-    auto request = get(nginx_->url() + "files/" + std::to_string(i));
-    request.method = HTTPMethod::put;
-    request.body = HTTPBody::file(file);
-    if (i == 0) {
-      request.progress.sent = [file](std::uint64_t, auto) { fs::resize_file(file, 4'999'999); };
-    }
-    calls.push_back(start(shared->perform(std::move(request))));
-  }
-  runner.drain();
-  for (std::size_t i = 0; i < 4; ++i) {
-    EXPECT_EQ(errorKind(calls[i]->result().response),
-              i == 0 ? std::optional(HTTPError::Kind::fileSystem) : std::nullopt);
-    auto request = get(nginx_->url() + "files/" + std::to_string(i));
-    request.destination = files.path() / "back";
-    const auto back = perform(shared, request).response;
-    EXPECT_EQ(back.metrics.protocol, "HTTP/2");
-    EXPECT_EQ(back.statusCode.code(), i == 0 ? 404 : 200);
-    EXPECT_TRUE(i == 0 || contentOf(files.path() / "back") == content);
   }
 }
 

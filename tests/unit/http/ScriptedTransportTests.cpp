@@ -42,31 +42,5 @@ TEST(ScriptedTransport, servesItsScript) {
   EXPECT_EQ(transport.requests().size(), 4u);
 }
 
-TEST(ManualClock, waitsEndWhenTimeReachesThem) {
-  asio::io_context context;
-  ManualClock clock;
-  const Date start = clock.now();
-  std::vector<int> ended;
-  for (const int length : {30, 10, 20}) {
-    asio::co_spawn(context, clock.wait(milliseconds(length)), [&ended, length](const std::exception_ptr& error) {
-      if (!error) ended.push_back(length);
-    });
-  }
-  context.poll();
-  EXPECT_THAT(clock.waits(), testing::ElementsAre(milliseconds(30), milliseconds(10), milliseconds(20)));
-  clock.advance(std::chrono::microseconds(9999));
-  context.poll();
-  EXPECT_TRUE(ended.empty());
-  clock.advance(std::chrono::microseconds(1));
-  context.poll();
-  EXPECT_THAT(ended, testing::ElementsAre(10));
-  clock.set(start - std::chrono::hours(1));
-  context.poll();
-  EXPECT_EQ(clock.pendingWaits(), 2u);
-  clock.set(start + std::chrono::hours(1));
-  context.run();
-  EXPECT_EQ(ended.size(), 3u);
-}
-
 }  // namespace
 }  // namespace ZAK
