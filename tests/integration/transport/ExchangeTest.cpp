@@ -4,7 +4,6 @@
 
 #include <zvapikit/json/JSONDecoder.hpp>
 
-
 #include <atomic>
 #include <csignal>
 #include <zlib.h>

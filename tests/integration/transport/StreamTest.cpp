@@ -49,31 +49,33 @@ class StreamTest : public TransportFixture {
 };
 
 TEST_F(StreamTest, aFileThatChangesWhileItIsSentIsNeverTakenForWhole) {
-  std::promise<void> gate;
-  const auto open = gate.get_future().share();
-  const FaultServer server([&](Connection& client) {
-    if (!client.handshake()) return;
-    open.wait();
-    while (!client.readRequest().empty()) client.send(answerOf(""));
-  });
-  const fs::path file = root_.write("file", std::string(16 << 20, 'x'));
-  auto request = get(server.url());
-  request.method = HTTPMethod::put;
-  request.body = HTTPBody::file(file);
-  Told sent;
-  request.progress.sent = sent.listener();
-  const auto shared = transport();
-  const Call call = start(shared->perform(request));
-  ASSERT_TRUE(runUntil([&] { return sent.done > 0; }));
-  fs::resize_file(file, 12 << 20);
-  gate.set_value();
-  runner.drain();
-  const auto response = call->result().response;
-  ASSERT_EQ(errorKind(response), Kind::fileSystem) << told(response);
-  EXPECT_NE(dynamic_cast<const fs::filesystem_error*>(response.error->underlyingError().get()), nullptr);
-  EXPECT_EQ(server.requests(), 0);
-  EXPECT_FALSE(perform(shared, get(server.url())).response.error) << "the broken connection was used again";
-  EXPECT_EQ(server.connections(), 2);
+  for (const std::size_t size : {12 << 20, 17 << 20}) {
+    std::promise<void> gate;
+    const auto open = gate.get_future().share();
+    const FaultServer server([&](Connection& client) {
+      if (!client.handshake()) return;
+      open.wait();
+      while (!client.readRequest().empty()) client.send(answerOf(""));
+    });
+    const fs::path file = root_.write("file", std::string(16 << 20, 'x'));
+    auto request = get(server.url());
+    request.method = HTTPMethod::put;
+    request.body = HTTPBody::file(file);
+    Told sent;
+    request.progress.sent = sent.listener();
+    const auto shared = transport();
+    const Call call = start(shared->perform(request));
+    ASSERT_TRUE(runUntil([&] { return sent.done > 0; }));
+    fs::resize_file(file, size);
+    gate.set_value();
+    runner.drain();
+    const auto response = call->result().response;
+    ASSERT_EQ(errorKind(response), Kind::fileSystem) << told(response);
+    EXPECT_NE(dynamic_cast<const fs::filesystem_error*>(response.error->underlyingError().get()), nullptr);
+    EXPECT_EQ(server.requests(), 0);
+    EXPECT_FALSE(perform(shared, get(server.url())).response.error) << "the broken connection was used again";
+    EXPECT_EQ(server.connections(), 2);
+  }
 }
 
 TEST_F(StreamTest, downloadsReplaceTheOldFileOnlyWhenWhole) {
