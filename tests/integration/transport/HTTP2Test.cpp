@@ -76,7 +76,6 @@ boost::asio::awaitable<void> callInTurn(std::shared_ptr<HTTPClient> client, HTTP
   for (const std::string& url : urls) {
     HTTPRequest request(method, url);
     request.maxRetries = 2;
-    if (method == HTTPMethod::put) request.body = HTTPBody::file(authority().file());
     HTTPResponse response = co_await client->fetch(std::move(request));
     ended->insert_or_assign(std::string(rawValue(method)) + ' ' + url, std::move(response));
   }
@@ -104,7 +103,9 @@ TEST_F(HTTP2Test, coldCallsShareAConnection) {
   std::vector<Call> calls;
   for (int i = 0; i < 64; ++i) calls.push_back(start(shared->perform(get(nginx_->url()))));
   runner.drain();
-  for (const Call& call : calls) EXPECT_EQ(told(call->result().response), told(calls[0]->result().response));
+  std::set<std::string> connections;
+  for (const Call& call : calls) connections.insert(told(call->result().response));
+  EXPECT_EQ(connections.size(), 1U);
 }
 
 TEST_F(HTTP2Test, connectionsThatTheServerEndsUnderLoadLoseNoCallAndRepeatNoPost) {
