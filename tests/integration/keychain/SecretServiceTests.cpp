@@ -96,14 +96,6 @@ TEST_F(SecretServiceTest, aLockedItemIsNotAnAbsentOne) {
   EXPECT_EQ(keychain.data("key"), "old") << "failed operations change nothing, and are no reason to stay away";
 }
 
-TEST_F(SecretServiceTest, withoutADefaultKeyringNothingIsFoundAndNothingCanBeStored) {
-  const KeyringDaemon daemon(home_.path(), KeyringDaemon::Login::none);
-  SecretServiceKeychain keychain(settings);
-  EXPECT_EQ(keychain.data("key"), std::nullopt);
-  keychain.remove("key");
-  EXPECT_EQ(failureOf([&] { keychain.set("new", "key"); }), KeychainStatus::noDefaultKeychain);
-}
-
 TEST_F(SecretServiceTest, withoutServiceOrBusItFailsAtOnce) {
   const std::string session = g_getenv("DBUS_SESSION_BUS_ADDRESS");
   for (const char* address : {session.c_str(), "unix:path=/nowhere/bus", "nonsense"}) {

@@ -93,6 +93,7 @@ TEST_F(ExchangeTest, answersEndAsTheyShould) {
       {"large when unpacked", answerOf(gzip(large), encoded("gzip")), large},
       {"chunks and trailer", chunked("in chunks"), "in chunks"},
       {"interim answers", "HTTP/1.1 103 Early\r\nX-Trailer: 1\r\n\r\n" + ok, "ok"},
+      {"folded header", answerOf("ok", "X-Folded: one\r\n\t two\r\nx-folded: three\r\n"), "ok"},
       {"gzip", answerOf(packed, encoded("gzip")), "plain text"},
       {"broken gzip", answerOf("not packed", encoded("gzip")), "", Kind::invalidAnswer},
       {"gzip twice", answerOf(gzip(packed), encoded("gzip, gzip")), "plain text"},
@@ -113,6 +114,8 @@ TEST_F(ExchangeTest, answersEndAsTheyShould) {
     EXPECT_EQ(errorKind(result.response), given.error);
     EXPECT_TRUE(result.answerStarted);
     EXPECT_FALSE(result.response.headers.value("X-Trailer"));
+    EXPECT_EQ(result.response.headers.value("X-Folded").value_or("none"),
+              given.name == std::string("folded header") ? "one two, three" : "none");
   }
 }
 

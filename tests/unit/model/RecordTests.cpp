@@ -177,11 +177,8 @@ TEST(LegacyPostDateDto, IsADate) {
     Date date;
   } cases[] = {
       {{100, 500000000}, Date(std::chrono::milliseconds(100500))},
-      {{1680714552, 123456789}, Date(std::chrono::microseconds(1680714552123457))},
       {{1680714552, -1000}, Date(std::chrono::microseconds(1680714551999999))},
       {{-2, 250000000}, Date(std::chrono::milliseconds(-1750))},
-      {{0, 3000000000}, Date(std::chrono::seconds(3))},
-      {{9'100'000'000'000, 0}, Date(std::chrono::seconds(9'100'000'000'000))},
       {{most, most}, Date::max()},
       {{least, least}, Date::min()},
   };

@@ -10,25 +10,17 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace ZAK {
 namespace {
 
 TEST(OperatingSystemVersionTest, readsKernelReleases) {
-  const std::pair<std::string_view, std::string> cases[] = {
-      {"6.1.0-18-amd64", "6.1.0"},
-      {"5.15.167.4-microsoft-standard-WSL2", "5.15.167"},
-      {"6.1", "6.1.0"},
-      {"6.-1.3", "6.0.0"},
-      {"99999999999.1.2", "0.0.0"},
-      {"", "0.0.0"},
-  };
-  for (const auto& [release, expected] : cases) {
-    EXPECT_EQ(OperatingSystemVersion::fromRelease(release).description(), expected) << release;
-  }
-  EXPECT_GT(OperatingSystemVersion::current().major, 0);
+  const auto read = [](const char* release) { return OperatingSystemVersion::fromRelease(release).description(); };
+  EXPECT_EQ(read("5.15.167.4-microsoft-standard-WSL2"), "5.15.167");
+  EXPECT_EQ(read("6.1-rc3"), "6.1.0");
+  EXPECT_EQ(read("99999999999.1.2"), "0.0.0");
+  EXPECT_EQ(read(""), "0.0.0");
 }
 
 TEST(BundleInfoTest, whatCannotStandInAHeaderIsUnknown) {
