@@ -4,8 +4,9 @@
 
 #include <zvapikit/json/JSONDecoder.hpp>
 
-#include <atomic>
 #include <csignal>
+#include <thread>
+#include <vector>
 #include <zlib.h>
 
 namespace ZAK::Tests {
@@ -188,6 +189,24 @@ TEST_F(ExchangeTest, onlyWhatMayBeRepeatedIsSentAgainWhenAKeptConnectionDies) {
       }
     }
   }
+}
+
+TEST_F(ExchangeTest, callsWaitForTheirTurnBeyondTheConnectTimeout) {
+  const FaultServer server([](Connection& client) {
+    if (!client.handshake()) return;
+    while (!client.readRequest().empty()) {
+      std::this_thread::sleep_for(milliseconds(600));
+      client.send(ok);
+    }
+  });
+  auto narrow = options();
+  narrow.connectionsPerHost = 1;
+  narrow.connectTimeout = milliseconds(1000);
+  const auto shared = transport(narrow);
+  std::vector<Call> calls;
+  for (int i = 0; i < 4; ++i) calls.push_back(start(shared->perform(get(server.url()))));
+  runner.drain();
+  for (const Call& call : calls) EXPECT_EQ(told(call->result().response), "ok");
 }
 
 TEST_F(ExchangeTest, theNextAddressIsTriedWhenOneIsSilent) {
