@@ -108,6 +108,7 @@ TEST(EmulatorStories, FriendshipsHaveTheirLimitsAndBlocksEndThem) {
         {"bob", "person.fetch", R"({"userId":"alice"})", "404"},
         {"alice", "search.searchPersons", R"({"query":"bell","limit":5})", R"({"data":[]})"},
         {"alice", "moderationBlock.unblockUser", R"({"id":"bob"})", ""},
+        {"alice", "relationships.removeFriend", R"({"id":"bob"})", "404"},  // they are friends no more
         {"alice", "search.searchPersons", R"({"query":"bell","limit":5})", R"({"data":[{"mutualFriends":1}]})"}});
 }
 

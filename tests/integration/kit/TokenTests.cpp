@@ -238,13 +238,12 @@ TEST(KitTokens, ClearDropsTheOutcomeOfARunningRefreshAndCancelledCallsDoNot) {
     EXPECT_TRUE(clears || kit.storedToken() == old);
     kit.finish();
     // After `clear` both calls are sent unsigned, and rejected; one sign-in serves them.
-    const Texts traffic = kit.traffic();
-    EXPECT_EQ(std::count(traffic.begin(), traffic.end(), "firebase"), clears ? 1 : 0);
+    const std::vector<EmulatorRequest> requests = kit.requests();
+    const auto isSignIn = [](const EmulatorRequest& request) { return request.target.ends_with("=firebase"); };
+    EXPECT_EQ(std::count_if(requests.begin(), requests.end(), isSignIn), clears ? 1 : 0);
     EXPECT_EQ(first.value && second.value, clears);
     EXPECT_NE(kit.storedToken(), old) << "the refresh of cancelled calls runs on";
-    kit.outcomes->clear();
-    EXPECT_EQ(kit.outcomeOf(kit.reading()), "ok");
-    EXPECT_EQ(bearer(kit.requests().at(0)), kit.storedToken()) << "the refresh has left no token of its own";
+    EXPECT_TRUE(!clears || kit.storedToken() == bearer(requests.back())) << "and that of cleared ones leaves no token";
   }
 }
 
