@@ -65,8 +65,8 @@ struct Context {
   /// matters gives `std::cout` another buffer.
   bool redactsSecrets = false;
 
-  /// For tests: carries the requests instead of the network when set. The token is then kept in memory unless `keychain`
-  /// says otherwise, so that a test cannot sign the developer out.
+  /// For tests: carries the requests instead of the network when set. The token is then kept in memory unless
+  /// `keychain` says otherwise, so that a test cannot sign the developer out.
   std::shared_ptr<Transport> testTransport = nullptr;
   /// For tests: the client's time; null means the machine's clock.
   std::shared_ptr<Clock> clock = nullptr;
