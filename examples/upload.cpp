@@ -87,8 +87,8 @@ asio::awaitable<void> post(std::shared_ptr<ZAK::MobileApiClient> client, std::fi
   // The post names the pictures by their place in the bucket, with their size in pixels.
   ZAK::CreatePostDto draft;
   draft.takenAt = std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
-  draft.backCamera = ZAK::CreatePostPictureDto(back.bucket, back.path, 1500, 2000);
-  draft.frontCamera = ZAK::CreatePostPictureDto(front.bucket, front.path, 1500, 2000);
+  draft.backCamera = back.picture(1500, 2000);
+  draft.frontCamera = front.picture(1500, 2000);
   draft.visibility = {ZAK::PostVisibilityDto::friends};
   const ZAK::PostDto created = co_await content.createMyPost(draft);
   std::cout << "posted " << created.id << " of " << created.user.username << "\n";

@@ -1,6 +1,5 @@
 #include "Session.hpp"
 #include "keychain/SecretServiceKeychain.hpp"
-#include "keychain/SelectedKeychain.hpp"
 #include "support/EnvironmentVariable.hpp"
 #include "support/KeychainFailure.hpp"
 #include "support/TemporaryDirectory.hpp"
@@ -11,7 +10,6 @@
 
 #include <functional>
 #include <thread>
-#include <vector>
 
 namespace ZAK {
 namespace {
@@ -85,16 +83,6 @@ TEST_F(SecretServiceTest, keepsItemsApartAndBeyondTheDaemonsLife) {
   EXPECT_TRUE(otherService.data("key").has_value());
 }
 
-TEST_F(SecretServiceTest, refusesWhatCannotBeStored) {
-  SecretServiceKeychain keychain(settings);
-  for (const std::string& key : {std::string(), std::string("a\0b", 3), std::string("\xff")}) {
-    EXPECT_EQ(failureOf([&] { keychain.set("x", key); }), KeychainStatus::param);
-    EXPECT_EQ(failureOf([&] { static_cast<void>(keychain.data(key)); }), KeychainStatus::param);
-  }
-  EXPECT_EQ(failureOf([&] { keychain.set(std::string(FileKeychain::maximumSize + 1, 'x'), "key"); }),
-            KeychainStatus::param);
-}
-
 TEST_F(SecretServiceTest, aLockedItemIsNotAnAbsentOne) {
   SecretServiceKeychain keychain(settings);
   {
@@ -108,14 +96,6 @@ TEST_F(SecretServiceTest, aLockedItemIsNotAnAbsentOne) {
   EXPECT_EQ(keychain.data("key"), "old") << "failed operations change nothing, and are no reason to stay away";
 }
 
-TEST_F(SecretServiceTest, withoutADefaultKeyringNothingIsFoundAndNothingCanBeStored) {
-  const KeyringDaemon daemon(home_.path(), KeyringDaemon::Login::none);
-  SecretServiceKeychain keychain(settings);
-  EXPECT_EQ(keychain.data("key"), std::nullopt);
-  keychain.remove("key");
-  EXPECT_EQ(failureOf([&] { keychain.set("new", "key"); }), KeychainStatus::noDefaultKeychain);
-}
-
 TEST_F(SecretServiceTest, withoutServiceOrBusItFailsAtOnce) {
   const std::string session = g_getenv("DBUS_SESSION_BUS_ADDRESS");
   for (const char* address : {session.c_str(), "unix:path=/nowhere/bus", "nonsense"}) {
@@ -124,29 +104,6 @@ TEST_F(SecretServiceTest, withoutServiceOrBusItFailsAtOnce) {
     SecretServiceKeychain keychain(settings);
     expectAllFail(keychain, KeychainStatus::notAvailable);
   }
-}
-
-TEST_F(SecretServiceTest, concurrentCallersSeeWholeItems) {
-  const KeyringDaemon daemon(home_.path());
-  SecretServiceKeychain keychain(settings);
-  const std::string first(5000, 'a');
-  const std::string second(70, 'b');
-  const auto caller = [&](const std::string& own) {
-    for (int i = 0; i < 15; ++i) {
-      const auto failure = failureOf([&] {
-        keychain.set(own, "key");
-        const std::string data = keychain.data("key").value_or(own);
-        EXPECT_TRUE(data == first || data == second) << data.size();
-        keychain.remove("key");
-      });
-      // Once in a while the daemon itself fails an assertion when two callers are at it, and is gone.
-      EXPECT_TRUE(!failure || (failure == KeychainStatus::notAvailable && !daemon.isThere())) << message(*failure);
-    }
-  };
-  std::thread other(caller, second);
-  caller(first);
-  other.join();
-  if (!daemon.isThere()) GTEST_SKIP() << "the daemon has crashed";
 }
 
 TEST_F(SecretServiceTest, aSilentServiceCostsOnePauseAMinute) {
@@ -233,19 +190,6 @@ TEST_F(PromptTest, aPromptThatEndsWithoutAnAnswerFailsAtOnce) {
   }
 }
 
-TEST_F(PromptTest, aPromptDismissedTooLateIsNotShownAgainForAMinute) {
-  expectUnanswered(operations[0]);
-  service_->endPrompt(true);
-  for (int i = 0; i < 20; ++i) {
-    expectUnanswered(operations[0]);
-    std::this_thread::sleep_for(5ms);
-  }
-  EXPECT_EQ(service_->calls("Prompt"), 1U);
-  now_ += 1min;
-  expectUnanswered(operations[0]);
-  EXPECT_EQ(service_->calls("Prompt"), 2U);
-}
-
 TEST_F(PromptTest, nobodyWaitsForTheCallLeftBehind) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT(
@@ -258,46 +202,6 @@ TEST_F(PromptTest, nobodyWaitsForTheCallLeftBehind) {
   EXPECT_EQ(failureOf([&] { keychain->set("x", "key"); }), KeychainStatus::interactionNotAllowed);
   EXPECT_LT(timeOf([&] { keychain.reset(); }), 100ms);
   service_->endPrompt();  // the thread ends without its keychain
-}
-
-class SelectionTest : public SecretServiceTest {
- protected:
-  /// A handle of its own for each use, as another process would have.
-  std::unique_ptr<Keychain> keychain(std::chrono::milliseconds bound = 300ms) const {
-    return std::make_unique<SelectedKeychain>(
-        settings, directory_, std::make_shared<SecretServiceKeychain>(settings, SecretServiceLimits{.call = bound}));
-  }
-  std::filesystem::path directory_ = home_.path() / "items";
-};
-
-TEST_F(SelectionTest, whereItemsAreStaysWhereTheyWerePutFirst) {
-  {
-    const KeyringDaemon daemon(home_.path());
-    keychain(5s)->set("secret", "key");
-    EXPECT_EQ(keychain(5s)->data("key"), "secret");
-    EXPECT_EQ(SecretServiceKeychain(settings).data("key"), "secret");
-  }
-  FileKeychain(settings, directory_).set("from another time", "key");
-  expectAllFail(*keychain(), KeychainStatus::notAvailable);
-  {
-    const UnhelpfulService service(UnhelpfulService::Behaviour::silent);
-    expectAllFail(*keychain(), KeychainStatus::notAvailable);
-  }
-  const KeyringDaemon daemon(home_.path());
-  EXPECT_EQ(keychain(5s)->data("key"), "secret");
-}
-
-TEST_F(SelectionTest, filesServeWhereNoServiceAnswersAndGoOnServing) {
-  for (const bool silent : {false, true}) {
-    directory_ = home_.path() / (silent ? "beside a silent one" : "alone");
-    {
-      const auto service = silent ? std::make_unique<UnhelpfulService>(UnhelpfulService::Behaviour::silent) : nullptr;
-      keychain()->set("in a file", "key");
-    }
-    const KeyringDaemon daemon(home_.path());
-    EXPECT_EQ(keychain(5s)->data("key"), "in a file");
-    EXPECT_EQ(SecretServiceKeychain(settings).data("key"), std::nullopt);
-  }
 }
 
 }  // namespace

@@ -72,17 +72,16 @@ Reference<GDBusConnection> connectToSession() {
 
 }  // namespace
 
-KeyringDaemon::KeyringDaemon(const std::filesystem::path& home, Login login) : bus_(connectToSession()) {
+KeyringDaemon::KeyringDaemon(const std::filesystem::path& home) : bus_(connectToSession()) {
   const Reference<GSubprocessLauncher> launcher(g_subprocess_launcher_new(static_cast<GSubprocessFlags>(
       G_SUBPROCESS_FLAGS_STDIN_PIPE | G_SUBPROCESS_FLAGS_STDOUT_SILENCE | G_SUBPROCESS_FLAGS_STDERR_SILENCE)));
   g_subprocess_launcher_setenv(launcher.get(), "XDG_DATA_HOME", home.c_str(), TRUE);
   GError* error = nullptr;
   process_.reset(g_subprocess_launcher_spawn(launcher.get(), &error, "gnome-keyring-daemon", "--foreground",
-                                             "--components=secrets", login == Login::unlocked ? "--unlock" : nullptr,
-                                             nullptr));
+                                             "--components=secrets", "--unlock", nullptr));
   check(error);
   GOutputStream* input = g_subprocess_get_stdin_pipe(process_.get());
-  if (login == Login::unlocked) g_output_stream_write_all(input, "password", 8, nullptr, nullptr, nullptr);
+  g_output_stream_write_all(input, "password", 8, nullptr, nullptr, nullptr);
   g_output_stream_close(input, nullptr, nullptr);
   waitUntil(bus_.get(), true);
 }
@@ -93,8 +92,6 @@ KeyringDaemon::~KeyringDaemon() {
   waitUntil(bus_.get(), false);
   g_dbus_connection_close_sync(bus_.get(), nullptr, nullptr);
 }
-
-bool KeyringDaemon::isThere() const { return isOwned(bus_.get()); }
 
 void KeyringDaemon::lock() {
   const char* collections[] = {"/org/freedesktop/secrets/collection/login"};

@@ -17,16 +17,12 @@ using Reference = std::unique_ptr<T, Unref>;
 /// A GNOME Keyring on the session bus, as long as the object lives. Its keyrings stay in the directory `home`.
 class KeyringDaemon {
  public:
-  enum class Login { unlocked, none };
-
-  explicit KeyringDaemon(const std::filesystem::path& home, Login login = Login::unlocked);
+  explicit KeyringDaemon(const std::filesystem::path& home);
   KeyringDaemon(const KeyringDaemon&) = delete;
   KeyringDaemon& operator=(const KeyringDaemon&) = delete;
   ~KeyringDaemon();
 
   void lock();
-  /// False once the process has ended.
-  [[nodiscard]] bool isThere() const;
 
  private:
   Reference<GDBusConnection> bus_;

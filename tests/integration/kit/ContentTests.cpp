@@ -122,10 +122,13 @@ TEST(KitContent, TakesTheTokenToTheApiAlone) {
   EXPECT_EQ(kit.traffic(), Texts{"GET /Photos/x.jpg"});
 
   // Nor does it follow a redirect, be it to the API itself.
-  for (const char* location : {elsewhere, "https://mobile-dev.zolvi.example/main/api/content/posts/post-bob"}) {
-    kit.emulator->inject({.answer = EmulatorResponse{302, "", {{"Location", location}}}});
-    EXPECT_EQ(kit.outcomeOf(kit.reading()), "httpError: HTTP 302 Found");
-    EXPECT_EQ(kit.traffic(), Texts{"GET /content/posts/post-bob signed"});
+  for (const int status : {301, 302, 303, 307, 308}) {
+    for (const char* location : {elsewhere, "https://mobile-dev.zolvi.example/main/api/content/posts/post-bob"}) {
+      kit.emulator->inject({.answer = EmulatorResponse{status, "", {{"Location", location}}}});
+      const std::string outcome = kit.outcomeOf(kit.reading());
+      EXPECT_TRUE(outcome.starts_with("httpError: HTTP " + std::to_string(status))) << outcome;
+      EXPECT_EQ(kit.traffic(), Texts{"GET /content/posts/post-bob signed"});
+    }
   }
 }
 

@@ -100,22 +100,6 @@ TEST(KitExecutor, KeepsSecretsOutOfLinesAndPrintsWhenAskedTo) {
   }
 }
 
-TEST(KitExecutor, PrintsAlsoWhenNobodyLogsAndUsesTheLoggerItWasBuiltWith) {
-  Kit kit;
-  kit.signIn();
-  const auto late = std::make_shared<RecordingLogger>(true);
-  kit.client->setLogger(late);
-  EXPECT_EQ(kit.client->logger(), late);
-  EXPECT_EQ(kit.outcomeOf(kit.reading()), "ok");
-  EXPECT_THAT(kit.logger->take(), ElementsAre("message: " + std::string(line) + " ✅"));
-  EXPECT_THAT(late->take(), ElementsAre());
-
-  kit.logger.reset();
-  kit.monitor.reset();
-  kit.emulator->inject({.answer = EmulatorResponse{409, refusal}});
-  EXPECT_EQ(printing(kit, kit.reading()).second, refusalPrinted);
-}
-
 TEST(KitMonitor, IsToldOfBothServersInOrder) {
   Kit kit;
   kit.emulator->inject({.server = EmulatorServer::mobile, .answer = EmulatorResponse{401}});

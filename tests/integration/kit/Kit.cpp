@@ -1,15 +1,17 @@
 #include "Kit.hpp"
 
+#include "Catalogue.hpp"
+
 #include <zvapikit/core/ZAKError.hpp>
 #include <zvapikit/json/JSONErrors.hpp>
 
 #include <boost/asio/error.hpp>
 #include <boost/system/system_error.hpp>
-#include <nlohmann/json.hpp>
-
 namespace ZAK::Tests {
 
 namespace {
+
+using nlohmann::json;
 
 constexpr const char* storedTokenKey = "zak_token_sandbox_store_key";
 
@@ -23,6 +25,32 @@ std::string described(const EmulatorRequest& request) {
   if (request.target.ends_with("/token?grant_type=firebase")) return "firebase";
   if (request.target.ends_with("/token?grant_type=refresh_token")) return "refresh";
   return request.method + " " + request.path + (request.header("Authorization") ? " signed" : "");
+}
+
+bool holds(const json& actual, const json& expected) {
+  if (expected.is_object() && actual.is_object()) {
+    const auto found = [&](const auto& item) {
+      return actual.contains(item.key()) && holds(actual.at(item.key()), item.value());
+    };
+    const auto items = expected.items();
+    return std::all_of(items.begin(), items.end(), found);
+  }
+  if (expected.is_array() && actual.is_array() && !expected.empty()) {
+    return std::all_of(expected.begin(), expected.end(), [&](const json& wanted) {
+      return std::any_of(actual.begin(), actual.end(), [&](const json& got) { return holds(got, wanted); });
+    });
+  }
+  return actual == expected;
+}
+
+void fillIn(json& value, const std::string& directory, const json& latest) {
+  if (value.is_structured()) {
+    for (json& part : value) fillIn(part, directory, latest);
+  }
+  if (!value.is_string()) return;
+  std::string& text = value.get_ref<std::string&>();
+  if (const std::size_t at = text.find("DIR"); at != std::string::npos) text.replace(at, 3, directory);
+  if (text.starts_with('$')) value = json(latest.at(json::json_pointer(text.substr(1))));
 }
 
 }  // namespace
@@ -175,6 +203,29 @@ void Kit::signIn() {
   monitor->take();
 }
 
+void Kit::actAs(const std::string& user) {
+  firebase->user = user;
+  keychain = std::make_shared<InMemoryKeychain>();
+  client = MobileApiClient::create(context());
+}
+
+void Kit::perform(std::string_view operation, std::string arguments, std::string_view expected) {
+  json given = json::parse(arguments);
+  fillIn(given, files.path(), latest_);
+  const json wanted = expected.empty() ? json() : json::parse(expected);
+  try {
+    const std::string result = runner.run(zvkit::find(operation, given).call(client, given, {}));
+    EXPECT_EQ(result.empty(), expected.empty()) << result;
+    latest_ = result.empty() ? json() : json::parse(result);
+    EXPECT_TRUE(holds(latest_, wanted)) << result << "\nlacks " << expected;
+  } catch (const ZAKError& error) {
+    const ErrorDto* const refusal = error.errorDto();
+    ASSERT_NE(refusal, nullptr) << error.what();
+    const json actual = wanted.is_string() ? json(refusal->errorKey.value_or("")) : json(refusal->statusCode);
+    EXPECT_EQ(actual, wanted) << error.what();
+  }
+}
+
 std::vector<EmulatorRequest> Kit::requests() {
   std::vector<EmulatorRequest> all = emulator->requests();
   all.erase(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(seen_));
@@ -190,7 +241,7 @@ Texts Kit::traffic() {
 
 std::string Kit::storedToken() const {
   const std::optional<std::string> stored = keychain->data(storedTokenKey);
-  return stored ? nlohmann::json::parse(*stored).at("access_token").get<std::string>() : std::string();
+  return stored ? json::parse(*stored).at("access_token").get<std::string>() : std::string();
 }
 
 }  // namespace ZAK::Tests

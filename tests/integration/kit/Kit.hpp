@@ -14,6 +14,8 @@
 #include <zvapikit/http/ScriptedTransport.hpp>
 #include <zvapikit/keychain/InMemoryKeychain.hpp>
 
+#include <nlohmann/json.hpp>
+
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -114,6 +116,14 @@ class Kit {
   /// Signs in, and forgets what came of it.
   void signIn();
 
+  /// Continues as another user, in a new app.
+  void actAs(const std::string& user);
+  /// Makes an operation of the catalogue by its name. In the JSON of its arguments `$` and a JSON Pointer (RFC 6901)
+  /// name a part of the latest result, and `DIR` is a directory. Expected are the parts that the result must have:
+  /// keys of an object, elements of an array unless that is empty; of a refusal its status or its error key; nothing,
+  /// when there is no result.
+  void perform(std::string_view operation, std::string arguments, std::string_view expected);
+
   /// What arrived since the last time: `firebase`, `refresh`, and for other requests method and path, with `signed`
   /// when they carried a token.
   Texts traffic();
@@ -138,6 +148,7 @@ class Kit {
 
   bool redactsSecrets_;
   std::size_t seen_ = 0;
+  nlohmann::json latest_;
 };
 
 }  // namespace ZAK::Tests

@@ -1,8 +1,5 @@
 #include "Catalogue.hpp"
 #include "Kit.hpp"
-#include "support/TemporaryDirectory.hpp"
-
-#include <zvapikit/core/ZAKError.hpp>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -20,14 +17,13 @@ namespace {
 
 using nlohmann::json;
 
-/// One operation by its name, with its arguments, in which `$` and a JSON Pointer (RFC 6901) name a part of the result
-/// before and `DIR` is a directory, the request that it must become, and what its result must hold.
+/// One operation as `Kit::perform` takes it, and the request that it must become.
 struct Row {
   const char* operation;
   const char* arguments;
   const char* request;  ///< see `text`; `*` stands for the rest; empty when there is none
   const char* body;     ///< JSON, or `bytes`, or `form`; empty for none
-  const char* result;   ///< JSON, see `holds`; empty for none
+  const char* result;
 };
 
 // The first call of somebody new.
@@ -191,24 +187,6 @@ const Row alicesRows[] = {
      R"({"events":[{"b":[1,null,{"x":0.5}],"a":"é"},{}]})", ""},
 };
 
-/// Whether `actual` has everything that `expected` has: the keys of an object, the elements of an array that is not
-/// empty.
-bool holds(const json& actual, const json& expected) {
-  if (expected.is_object() && actual.is_object()) {
-    const auto found = [&](const auto& item) {
-      return actual.contains(item.key()) && holds(actual.at(item.key()), item.value());
-    };
-    const auto items = expected.items();
-    return std::all_of(items.begin(), items.end(), found);
-  }
-  if (expected.is_array() && actual.is_array() && !expected.empty()) {
-    return std::all_of(expected.begin(), expected.end(), [&](const json& wanted) {
-      return std::any_of(actual.begin(), actual.end(), [&](const json& got) { return holds(got, wanted); });
-    });
-  }
-  return actual == expected;
-}
-
 /// Method and path below the API's base; on another server, with its host in full.
 std::string text(const EmulatorRequest& request) {
   constexpr std::string_view api = "mobile-dev.zolvi.example/main/api";
@@ -239,40 +217,10 @@ void checkBody(const EmulatorRequest& request, std::string_view expected) {
   }
 }
 
-/// Checks a result and yields it. A number is the status of the refusal that the back-end must answer with.
-json checkResult(Kit& kit, awaitable<std::string> call, std::string_view expected) {
-  const json wanted = expected.empty() ? json() : json::parse(expected);
-  try {
-    const std::string result = kit.runner.run(std::move(call));
-    EXPECT_EQ(result.empty(), expected.empty()) << result;
-    const json actual = result.empty() ? json() : json::parse(result);
-    EXPECT_TRUE(holds(actual, wanted)) << result << "\nlacks " << expected;
-    return actual;
-  } catch (const ZAKError& error) {
-    const ErrorDto* const refusal = error.errorDto();
-    EXPECT_EQ(refusal ? json(refusal->statusCode) : json(), wanted) << error.what();
-  }
-  return {};
-}
-
-json argumentsOf(std::string text, const std::string& directory, const json& before) {
-  for (std::size_t at = 0; (at = text.find("DIR", at)) != std::string::npos;) text.replace(at, 3, directory);
-  json arguments = json::parse(text);
-  for (json& value : arguments) {
-    const std::string pointer = value.is_string() ? value.get<std::string>() : "";
-    if (pointer.starts_with('$')) value = json(before.at(json::json_pointer(pointer.substr(1))));
-  }
-  return arguments;
-}
-
 void drive(Kit& kit, std::span<const Row> rows) {
-  const TemporaryDirectory directory;
-  json result;
   for (const Row& row : rows) {
     SCOPED_TRACE(std::string(row.operation) + row.arguments);
-    const json arguments = argumentsOf(row.arguments, directory.path(), result);
-    const zvkit::Operation& operation = zvkit::find(row.operation, arguments);
-    result = checkResult(kit, operation.call(kit.client, arguments, {}), row.result);
+    kit.perform(row.operation, row.arguments, row.result);
     std::vector<EmulatorRequest> requests = kit.requests();
     std::erase_if(requests, [](const auto& request) { return request.target.find("/token?") != std::string::npos; });
     ASSERT_EQ(requests.size(), *row.request == '\0' ? 0u : 1u);
@@ -284,11 +232,9 @@ void drive(Kit& kit, std::span<const Row> rows) {
 
 TEST(KitOperations, BecomeTheRequestsThatTheBackEndServesAndDecodeItsAnswers) {
   Kit kit;
-  kit.firebase->user = "zoe";
+  kit.actAs("zoe");
   drive(kit, newcomersRows);
-
-  kit.runner.run(kit.client->logout());
-  kit.firebase->user = "alice";
+  kit.actAs("alice");
   drive(kit, alicesRows);
 }
 

@@ -71,6 +71,12 @@ TEST(KitTokens, AThousandCallsShareOneExchange) {
   ASSERT_EQ(requests.size(), calls + 1);
   EXPECT_TRUE(requests[0].target.ends_with("=refresh_token"));
   for (std::size_t i = 1; i <= calls; ++i) ASSERT_EQ(bearer(requests[i]), kit.storedToken());
+
+  kit.emulator->revokeTokens();
+  for (std::size_t i = 0; i < calls; ++i) kit.start(kit.reading());
+  kit.finish();
+  const Texts traffic = kit.traffic();
+  EXPECT_EQ(std::count(traffic.begin(), traffic.end(), "firebase"), 1) << "a late rejection drops no newer token";
 }
 
 TEST(KitTokens, MendARefreshThatFails) {
@@ -169,19 +175,6 @@ TEST(KitTokens, RejectionsAreMendedThreeSendsLong) {
   }
 }
 
-TEST(KitTokens, AStormOfRejectionsEnds) {
-  Kit kit;
-  kit.signIn();
-  kit.emulator->inject(
-      {.server = EmulatorServer::mobile, .times = EmulatorFault::always, .answer = EmulatorResponse{401}});
-  constexpr std::size_t calls = 50;
-  for (std::size_t i = 0; i < calls; ++i) kit.start(kit.reading());
-  kit.finish();
-  EXPECT_EQ(*kit.outcomes, Texts(calls, "httpError: HTTP 401 Unauthorized"));
-  const Texts traffic = kit.traffic();
-  EXPECT_EQ(std::count(traffic.begin(), traffic.end(), readSigned), 3 * calls);
-}
-
 TEST(KitTokens, WithoutATokenTheServerDecides) {
   enum class Provider { failing, gone };
   for (const Provider provider : {Provider::failing, Provider::gone}) {
@@ -220,6 +213,38 @@ TEST(KitTokens, LogoutForgetsTheTokenBeforeItSignsOutOfFirebase) {
   EXPECT_EQ(kit.outcomeOf(clearToken(kit.client)), "ok");
   EXPECT_EQ(kit.storedToken(), "");
   EXPECT_EQ(kit.firebase->signOuts, 1);
+}
+
+TEST(KitTokens, ClearDropsTheOutcomeOfARunningRefreshAndCancelledCallsDoNot) {
+  for (const bool clears : {true, false}) {
+    Kit kit;
+    kit.signIn();
+    kit.clock->advance(lifetime);
+    const std::string old = kit.storedToken();
+    EmulatorFault slow = refreshFault();
+    slow.delay = milliseconds(300);
+    const std::size_t refresh = kit.emulator->inject(slow);
+    Running<void> first(kit.runner.context(), kit.reading());
+    Running<void> second(kit.runner.context(), kit.reading());
+    ASSERT_TRUE(kit.runUntil([&] { return kit.emulator->timesMet(refresh) == 1; }));
+    if (clears) {
+      kit.start(clearToken(kit.client));
+    } else {
+      first.cancel.emit(boost::asio::cancellation_type::total);
+      second.cancel.emit(boost::asio::cancellation_type::terminal);
+    }
+    kit.runner.poll();
+    EXPECT_EQ(first.wasCancelled() && second.wasCancelled(), !clears) << "at once";
+    EXPECT_TRUE(clears || kit.storedToken() == old);
+    kit.finish();
+    // After `clear` both calls are sent unsigned, and rejected; one sign-in serves them.
+    const std::vector<EmulatorRequest> requests = kit.requests();
+    const auto isSignIn = [](const EmulatorRequest& request) { return request.target.ends_with("=firebase"); };
+    EXPECT_EQ(std::count_if(requests.begin(), requests.end(), isSignIn), clears ? 1 : 0);
+    EXPECT_EQ(first.value && second.value, clears);
+    EXPECT_NE(kit.storedToken(), old) << "the refresh of cancelled calls runs on";
+    EXPECT_TRUE(!clears || kit.storedToken() == bearer(requests.back())) << "and that of cleared ones leaves no token";
+  }
 }
 
 awaitable<void> authFire(std::shared_ptr<MobileApiClient> client) {

@@ -18,7 +18,6 @@ using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::StartsWith;
 using testing::UnorderedElementsAre;
 using testing::UnorderedElementsAreArray;
 
@@ -171,52 +170,15 @@ TEST(KitPicture, IsNotSentUnderANameOrFromAPlaceThatWillNotDo) {
   EXPECT_THAT(kit.traffic(), IsEmpty());
 }
 
-TEST(KitPhone, CodesAreAnsweredAsTheServiceDoes) {
-  using Status = VonageStatusDto;
+TEST(KitPhone, NamesTheDeviceIfThereIsOneAndTakesKnownStatusesAlone) {
   Kit kit;
-  VonageDomain vonage(kit.client);
-  const auto request = [&](const char* number) { return kit.runner.run(vonage.requestCode(number)); };
-  const std::string alices = request("+33 6 39 98 01 01").vonageRequestId;
-  const std::string bobs = request("+33639980102").vonageRequestId;
-  const VonageRequestCodeResponseDto again = request("+33639980101");
-  EXPECT_EQ(again.status, Status::codeAlreadySend);
-  EXPECT_EQ(again.vonageRequestId, alices);
-  const struct {
-    std::string id;
-    const char* code;
-    Status status;
-    std::chrono::minutes later{0};
-  } checks[] = {{"unknown", "123456", Status::invalidRequestId},
-                {alices, "000000", Status::invalidCode},
-                {alices, "123456", Status::success},
-                {alices, "123456", Status::requestAlreadyVerified},
-                {bobs, "1", Status::invalidCode},
-                {bobs, "2", Status::invalidCode},
-                {bobs, "3", Status::wrongCode},
-                {bobs, "123456", Status::invalidCode, std::chrono::minutes(5)}};
-  for (const auto& given : checks) {
-    kit.clock->advance(given.later);
-    const VonageCheckCodeResponseDto answer = kit.runner.run(vonage.checkCode(given.id, given.code));
-    const bool succeeds = given.status == Status::success;
-    EXPECT_EQ(answer.status, given.status) << given.code;
-    EXPECT_EQ(answer.uid, succeeds ? std::optional<std::string>("alice") : std::nullopt);
-    EXPECT_EQ(answer.token.has_value(), succeeds);
-    EXPECT_EQ(answer.errorText.has_value(), !succeeds);
-  }
-  EXPECT_EQ(request("+33639980102").status, Status::success) << "the code sent before has expired";
-  for (const std::string& text : kit.traffic()) EXPECT_THAT(text, StartsWith("POST /api/vonage/")) << "without a token";
-
-  kit.emulator->inject({.answer = EmulatorResponse{200, R"({"vonageRequestId":"v","status":"1"})"}});
-  EXPECT_THROW(request("+33639980103"), DecodingError) << "there is no such status";
-  kit.requests();
   Context context = kit.context();
   context.deviceInfo = DeviceInfo("Linux", "12.4", "");
   kit.client = MobileApiClient::create(std::move(context));
-  vonage = VonageDomain(kit.client);
-  request("+33639980104");
+  kit.perform("vonage.requestCode", R"({"for":"+33639980104"})", R"({"status":"0"})");
   EXPECT_EQ(kit.requests().at(0).body, R"({"phoneNumber":"+33639980104"})");
-  kit.client.reset();
-  EXPECT_THROW(request("+33639980104"), ZAKError);
+  kit.emulator->inject({.answer = EmulatorResponse{200, R"({"vonageRequestId":"v","status":"1"})"}});
+  EXPECT_THROW(kit.runner.run(VonageDomain(kit.client).requestCode("+33639980103")), DecodingError);
 }
 
 }  // namespace

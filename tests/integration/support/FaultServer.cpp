@@ -143,13 +143,6 @@ void FaultServer::Connection::send(std::string_view bytes) {
   if (tls_ && !bytes.empty()) SSL_write(tls_.get(), bytes.data(), static_cast<int>(bytes.size()));
 }
 
-void FaultServer::Connection::drip(std::string_view bytes, std::chrono::milliseconds interval) {
-  for (std::size_t i = 0; i < bytes.size(); ++i) {
-    send(bytes.substr(i, 1));
-    std::this_thread::sleep_for(interval);
-  }
-}
-
 void FaultServer::Connection::finish() {
   if (tls_) SSL_shutdown(tls_.get());
   close(false);

@@ -5,7 +5,6 @@
 #include <openssl/ssl.h>
 
 #include <atomic>
-#include <chrono>
 #include <functional>
 #include <list>
 #include <memory>
@@ -79,7 +78,6 @@ class FaultServer::Connection {
   /// The next request with its body; empty when the client has closed.
   std::string readRequest();
   void send(std::string_view bytes);
-  void drip(std::string_view bytes, std::chrono::milliseconds interval);
   /// Ends TLS, then the connection.
   void finish();
   /// Ends the connection without ending TLS.

@@ -3,17 +3,8 @@
 #include "TransportFixture.hpp"
 #include "support/TemporaryDirectory.hpp"
 
-#include <boost/asio/bind_cancellation_slot.hpp>
-#include <boost/asio/detached.hpp>
-#include <boost/asio/steady_timer.hpp>
-#include <boost/asio/strand.hpp>
-#include <boost/asio/thread_pool.hpp>
-#include <boost/asio/use_awaitable.hpp>
-
 #include <atomic>
 #include <future>
-#include <random>
-#include <vector>
 
 namespace ZAK::Tests {
 namespace {
@@ -82,15 +73,6 @@ class Scene {
 
 using Lifetime = TransportFixture;
 
-/// Cancels the call from within, before its transfer is awaited.
-asio::awaitable<TransferResult> cancelledBefore(asio::awaitable<TransferResult> transfer, Call* call,
-                                                asio::cancellation_type type) {
-  co_await asio::this_coro::reset_cancellation_state(asio::enable_total_cancellation());
-  co_await asio::this_coro::throw_if_cancelled(false);
-  (*call)->cancel.emit(type);
-  co_return co_await std::move(transfer);
-}
-
 class LifetimeAt : public TransportFixture, public testing::WithParamInterface<std::tuple<Stage, Action>> {};
 
 TEST_P(LifetimeAt, endsWithoutHangOrLeak) {
@@ -105,16 +87,11 @@ TEST_P(LifetimeAt, endsWithoutHangOrLeak) {
   }
   auto shared = transport();
   std::weak_ptr<Transport> watched = shared;
-  Call call;
   const auto type = cancellationType(action);
   const bool cancels = type != asio::cancellation_type::none;
-  if (stage == Stage::start && cancels) {
-    call = start(cancelledBefore(shared->perform(request), &call, type));
-  } else {
-    call = start(shared->perform(request));
-    ASSERT_TRUE(runUntil([&] { return scene.reached() && told; }));
-    EXPECT_FALSE(call->done());
-  }
+  const Call call = start(shared->perform(request));
+  ASSERT_TRUE(runUntil([&] { return scene.reached() && told; }));
+  EXPECT_FALSE(call->done());
   const auto begin = std::chrono::steady_clock::now();
   if (action == Action::dropTransport) {
     shared.reset();
@@ -124,7 +101,7 @@ TEST_P(LifetimeAt, endsWithoutHangOrLeak) {
     return;
   }
   if (cancels) {
-    if (stage != Stage::start) call->cancel.emit(type);
+    call->cancel.emit(type);
     runner.drain();
   } else {
     runner.destroyContext();
@@ -168,67 +145,6 @@ TEST_F(Lifetime, processEndsWhileANameIsResolved) {
     std::exit(call->wasCancelled() ? 0 : 1);
   };
   EXPECT_EXIT(cancelAndExit(), testing::ExitedWithCode(0), "");
-}
-
-using Signal = std::shared_ptr<asio::cancellation_signal>;
-
-/// A call among many. Keeps the signal that cancels it, as long as it may still listen to it.
-asio::awaitable<void> callAmongMany(std::shared_ptr<Transport> shared, TransferRequest request, Signal,
-                                    std::atomic<int>* ended) {
-  try {
-    co_await shared->perform(std::move(request));
-  } catch (const boost::system::system_error&) {
-  }
-  ++*ended;
-}
-
-asio::awaitable<void> cancelAfter(Signal signal, milliseconds delay) {
-  asio::steady_timer timer(co_await asio::this_coro::executor, delay);
-  co_await timer.async_wait(asio::use_awaitable);
-  signal->emit(asio::cancellation_type::total);
-}
-
-TEST_F(Lifetime, fourThreadsCancelAtRandom) {
-  // A server that ends connections in every way, so that the numbers of sockets come again all the time.
-  const FaultServer server([](FaultServer::Connection& client) {
-    const int way = client.index() % 4;
-    if (way == 0) return client.reset();
-    if (!client.handshake() || client.readRequest().empty()) return;
-    if (way == 1) return client.cut();
-    client.send("HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\n12");
-    if (way == 2) return client.reset();
-    client.send("34");
-    while (!client.readRequest().empty()) client.send("HTTP/1.1 204 No Content\r\n\r\n");
-  });
-  constexpr int calls = 300;
-  const TemporaryDirectory directory;
-  std::atomic<int> ended{0};
-  asio::thread_pool pool(4);
-  auto wide = options();
-  wide.connectionsPerHost = 32;
-  auto shared = CurlTransport::create(pool.get_executor(), wide);
-  std::mt19937 random(1);
-  for (int i = 0; i < calls; ++i) {
-    const auto strand = asio::make_strand(pool);
-    const auto cancels = std::make_shared<asio::cancellation_signal>();
-    auto request = get(server.url());
-    if (i % 2 != 0) {
-      request.destination = directory.path() / std::to_string(i % 5);
-      request.progress.received = [done = std::optional<std::uint64_t>()](std::uint64_t now, auto) mutable {
-        EXPECT_GT(std::optional(now), std::exchange(done, now)) << "told twice";
-      };
-    }
-    asio::post(strand, [=, &ended, cancelled = i % 4 > 1, delay = milliseconds(random() % 200)] {
-      asio::co_spawn(strand, callAmongMany(shared, request, cancels, &ended),
-                     asio::bind_cancellation_slot(cancels->slot(), asio::detached));
-      if (cancelled) asio::co_spawn(strand, cancelAfter(cancels, delay), asio::detached);
-    });
-  }
-  shared.reset();
-  pool.join();
-  EXPECT_EQ(ended, calls);
-  EXPECT_LE(std::distance(std::filesystem::directory_iterator(directory.path()), {}), 5);
-  EXPECT_GT(server.requests(), 4);
 }
 
 }  // namespace

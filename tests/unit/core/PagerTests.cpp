@@ -49,57 +49,49 @@ awaitable<std::vector<std::string>> readFirst(Shelf* shelf) {
   co_return *page;
 }
 
-TEST(Pager, ReadsAListToItsEndByPagesByElementsAndMixed) {
+struct PagerTest : testing::Test {
+  Pager<std::string> pager() { return pages(Shelves{&shelf}, &Shelves::read, "upper"); }
+
   Shelf shelf{{{"none", Page({"a", "b"}, "i1")}, {"i1", Page({}, "i2")}, {"i2", Page({"c"}, {})}}, {}, {}};
   Runner runner;
-  EXPECT_THAT(runner.run(readOneByOne(pages(Shelves{&shelf}, &Shelves::read, "upper"))), ElementsAre("a", "b", "c"));
+};
+
+TEST_F(PagerTest, readsAListToItsEndByPagesByElementsAndMixed) {
+  EXPECT_THAT(runner.run(readOneByOne(pager())), ElementsAre("a", "b", "c"));
   EXPECT_THAT(shelf.asked, ElementsAre("none", "i1", "i2"));
-
-  auto pager = pages(Shelves{&shelf}, &Shelves::read, "upper");
-  EXPECT_EQ(runner.run(pager.nextElement()), "a");
-  EXPECT_THAT(*runner.run(pager.next()), ElementsAre("b"));
-  EXPECT_THAT(*runner.run(pager.next()), ElementsAre());
-  EXPECT_THAT(*runner.run(pager.next()), ElementsAre("c"));
-  EXPECT_EQ(pager.nextCursor(), CursorDto::end());
-  EXPECT_FALSE(runner.run(pager.next()));
-  EXPECT_FALSE(runner.run(pager.nextElement()));
-
   EXPECT_THAT(runner.run(readFirst(&shelf)), ElementsAre("a", "b")) << "from a pager that is gone meanwhile";
 
-  // An index that would ask for the end is the end.
+  auto mixed = pager();
+  shelf.failing = "i1";
+  EXPECT_EQ(runner.run(mixed.nextElement()), "a");
+  EXPECT_THAT(*runner.run(mixed.next()), ElementsAre("b"));
+  EXPECT_THROW((void)runner.run(mixed.next()), std::runtime_error);
+  EXPECT_THAT(*runner.run(mixed.next()), ElementsAre()) << "a page that failed is read again";
+  EXPECT_THAT(*runner.run(mixed.next()), ElementsAre("c"));
+  EXPECT_EQ(mixed.nextCursor(), CursorDto::end());
+  EXPECT_FALSE(runner.run(mixed.next()));
+  EXPECT_FALSE(runner.run(mixed.nextElement()));
+
   shelf.pages = {{"none", Page({"a"}, "")}};
-  shelf.asked.clear();
-  EXPECT_THAT(runner.run(readOneByOne(pages(Shelves{&shelf}, &Shelves::read, "upper"))), ElementsAre("a"));
+  EXPECT_THAT(runner.run(readOneByOne(pager())), ElementsAre("a")) << "an index that would ask for the end is the end";
 }
 
-TEST(Pager, ReadsAPageAgainThatFailed) {
-  Shelf shelf{{{"none", Page({"a"}, "i1")}, {"i1", Page({"b"}, {})}}, "i1", {}};
-  Runner runner;
-  auto pager = pages(Shelves{&shelf}, &Shelves::read, "upper");
-  EXPECT_THAT(*runner.run(pager.next()), ElementsAre("a"));
-  EXPECT_THROW((void)runner.run(pager.next()), std::runtime_error);
-  EXPECT_THAT(*runner.run(pager.next()), ElementsAre("b"));
-}
-
-TEST(Pager, RefusesAListThatLeadsBack) {
-  Shelf shelf{{{"none", Page({"a"}, "i1")}, {"i1", Page({"b"}, "i2")}, {"i2", Page({"c"}, "i1")}}, {}, {}};
-  Runner runner;
-  auto pager = pages(Shelves{&shelf}, &Shelves::read, "upper");
-  for (int page = 0; page < 3; ++page) EXPECT_TRUE(runner.run(pager.next()));
-  EXPECT_THROW((void)runner.run(pager.next()), RepeatedCursorError);
+TEST_F(PagerTest, refusesAListThatLeadsBack) {
+  shelf.pages["i2"].next = "i1";
+  auto endless = pager();
+  for (int page = 0; page < 3; ++page) EXPECT_TRUE(runner.run(endless.next()));
+  EXPECT_THROW((void)runner.run(endless.next()), RepeatedCursorError);
   EXPECT_THAT(shelf.asked, ElementsAre("none", "i1", "i2"));
 }
 
-TEST(Pager, StopsAtItsLimitAndGoesOnFromThere) {
-  Shelf shelf{{{"none", Page({"a"}, "i1")}, {"i1", Page({"b"}, "i2")}, {"i2", Page({"c"}, {})}}, {}, {}};
-  Runner runner;
-  auto pager = pages(Shelves{&shelf}, &Shelves::read, "upper");
-  pager.setMaxPages(2);
-  EXPECT_THAT(runner.run(readOneByOne(pager)), ElementsAre("a", "b"));
-  EXPECT_EQ(pager.nextCursor(), CursorDto::nextIndex("i2"));
+TEST_F(PagerTest, stopsAtItsLimitAndGoesOnFromThere) {
+  auto limited = pager();
+  limited.setMaxPages(2);
+  EXPECT_THAT(runner.run(readOneByOne(limited)), ElementsAre("a", "b"));
+  EXPECT_EQ(limited.nextCursor(), CursorDto::nextIndex("i2"));
 
   const auto read = [&](std::optional<CursorDto> cursor) { return shelf.read("upper", std::move(cursor)); };
-  EXPECT_THAT(runner.run(readOneByOne(Pager<std::string>(read, 5, pager.nextCursor()))), ElementsAre("c"));
+  EXPECT_THAT(runner.run(readOneByOne(Pager<std::string>(read, 5, limited.nextCursor()))), ElementsAre("c"));
 }
 
 }  // namespace

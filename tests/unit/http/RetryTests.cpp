@@ -2,42 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <stdexcept>
-
 namespace ZAK {
 namespace {
 
 using std::chrono::milliseconds;
 using std::chrono::seconds;
-
-/// Always decides the same, and counts how often it was asked.
-struct FixedValidator : HTTPValidator {
-  explicit FixedValidator(HTTPValidatorResult decision) : result(std::move(decision)) {}
-  HTTPValidatorResult validate(const HTTPResponse&, const HTTPRequest&) override {
-    ++calls;
-    return result;
-  }
-  HTTPValidatorResult result;
-  int calls = 0;
-};
-
-std::shared_ptr<FixedValidator> failing(std::shared_ptr<const std::exception> reason) {
-  return std::make_shared<FixedValidator>(HTTPValidatorResult::fail(std::move(reason)));
-}
-
-HTTPResponse answer(int status) {
-  HTTPResponse response;
-  response.statusCode = HTTPStatusCode(status);
-  response.answerStarted = true;
-  return response;
-}
-
-HTTPResponse failedTransfer(bool answerStarted = false) {
-  HTTPResponse response;
-  response.error = HTTPError(HTTPError::Kind::connectionLost, HTTPStatusCode(), "connection lost", 56);
-  response.answerStarted = answerStarted;
-  return response;
-}
 
 TEST(Retry, delayGrowsAndObeysTheServer) {
   const Date now = Date(seconds(784111777));  // Sun, 06 Nov 1994 08:49:37 GMT
@@ -74,93 +43,12 @@ TEST(Retry, delayGrowsAndObeysTheServer) {
       {back, 1, 1, 503, "Sun, 06 Nov 1994 08:50:07 GMT!", seconds(1)},
   };
   for (const Case& c : cases) {
-    HTTPResponse response = answer(c.status);
+    HTTPResponse response;
+    response.statusCode = HTTPStatusCode(c.status);
     if (c.retryAfter) response.headers.set({"retry-after", c.retryAfter});
     EXPECT_EQ(retryDelay(c.strategy, response, c.retry, c.jitter, now), c.expected)
         << c.retry << " " << c.status << " " << (c.retryAfter ? c.retryAfter : "-");
   }
-}
-
-TEST(Retry, defaultValidatorRepeatsOnlyWhatIsSafe) {
-  struct Case {
-    HTTPMethod method;
-    HTTPResponse response;
-    bool retried;
-  };
-  const Case cases[] = {
-      {HTTPMethod::get, failedTransfer(), true},      {HTTPMethod::head, failedTransfer(), true},
-      {HTTPMethod::put, failedTransfer(), true},      {HTTPMethod::delete_, failedTransfer(), true},
-      {HTTPMethod::post, failedTransfer(), false},    {HTTPMethod::patch, failedTransfer(), false},
-      {HTTPMethod::get, failedTransfer(true), false}, {HTTPMethod::get, answer(503), false},
-      {HTTPMethod::get, answer(200), false},
-  };
-  for (const Case& c : cases) {
-    HTTPRequest request(c.method, "/a");
-    request.maxRetries = 2;
-    HTTPResponse response = c.response;
-    const auto strategy = judged(response, request, {makeDefaultValidator()}, 1);
-    EXPECT_EQ(strategy.has_value(), c.retried) << rawValue(c.method) << " " << c.response.statusCode.code();
-    if (strategy) {
-      EXPECT_EQ(strategy->delay(2, 1), seconds(2));
-    }
-    response = c.response;
-    EXPECT_FALSE(judged(response, request, {makeDefaultValidator()}, 2)) << "past the limit";
-    EXPECT_EQ(response.error.has_value(), !c.response.statusCode.isSuccess());
-  }
-}
-
-TEST(Retry, everyStatusOutside2xxIsAnError) {
-  for (const auto& [status, text] : std::vector<std::pair<int, std::string>>{
-           {204, ""}, {299, ""}, {304, "HTTP 304 Not Modified"}, {404, "HTTP 404 Not Found"}, {599, "HTTP 599"}}) {
-    HTTPResponse response = answer(status);
-    judged(response, HTTPRequest(HTTPMethod::get, "/a"), {makeDefaultValidator()}, 0);
-    EXPECT_EQ(response.error ? response.error->description() : "", text);
-    EXPECT_EQ(response.error ? response.error->statusCode().code() : status, status);
-  }
-}
-
-TEST(Retry, validatorsRunInOrderUntilOneDecides) {
-  const auto next = std::make_shared<FixedValidator>(HTTPValidatorResult::next());
-  const auto retry = std::make_shared<FixedValidator>(HTTPValidatorResult::retry(HTTPRetryStrategy::exponential(2)));
-  const auto reason = std::make_shared<std::runtime_error>("quota");
-  const auto fail = failing(reason);
-  HTTPRequest request(HTTPMethod::get, "/a");
-  request.maxRetries = 2;
-
-  HTTPResponse response = answer(403);
-  EXPECT_TRUE(judged(response, request, {next, retry, fail}, 1));
-  EXPECT_EQ(next->calls, 1);
-  EXPECT_EQ(fail->calls, 0);
-
-  // With the limit used up a retry hands on.
-  response = answer(403);
-  EXPECT_FALSE(judged(response, request, {retry, fail, next}, 2));
-  EXPECT_EQ(next->calls, 1);
-  ASSERT_TRUE(response.error);
-  EXPECT_EQ(response.error->kind(), HTTPError::Kind::rejected);
-  EXPECT_EQ(response.error->statusCode().code(), 403);
-  EXPECT_EQ(response.error->description(), "HTTP 403 Forbidden");
-  EXPECT_EQ(response.error->underlyingError(), reason);
-}
-
-TEST(Retry, aRejectionReadsLikeTheResponse) {
-  const HTTPRequest request(HTTPMethod::get, "/a");
-  const auto fail = failing(std::make_shared<std::runtime_error>("why"));
-  HTTPResponse good = answer(200);
-  judged(good, request, {fail}, 0);
-  EXPECT_EQ(good.error.value().description(), "HTTP 200 OK");
-
-  HTTPResponse lost = failedTransfer();
-  judged(lost, request, {fail}, 0);
-  EXPECT_EQ(lost.error.value().description(), "connection lost");
-  EXPECT_EQ(lost.error.value().transportCode(), 56);
-
-  // An HTTPError is not wrapped in another.
-  const HTTPError own(HTTPError::Kind::invalidAnswer, HTTPStatusCode(200), "not for me");
-  HTTPResponse replaced = answer(200);
-  judged(replaced, request, {failing(std::make_shared<HTTPError>(own))}, 0);
-  EXPECT_EQ(replaced.error.value().kind(), HTTPError::Kind::invalidAnswer);
-  EXPECT_EQ(replaced.error.value().description(), "not for me");
 }
 
 }  // namespace

@@ -1,43 +1,14 @@
 #include "support/DecodingFailure.hpp"
 
 #include <zvapikit/json/JSONDecoder.hpp>
-#include <zvapikit/json/JSONValue.hpp>
-#include <zvapikit/json/JSONWriter.hpp>
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <limits>
-#include <new>
 #include <ranges>
 #include <string>
 #include <string_view>
-#include <thread>
 #include <vector>
-
-namespace {
-
-/// Blocks of at least `largeBlock` bytes that this thread's parser took.
-thread_local std::size_t largeBlock = 0;
-thread_local int largeBlocks = 0;
-
-}  // namespace
-
-#if defined(__has_feature)
-#if __has_feature(thread_sanitizer)
-#define NEW_IS_TAKEN  // all its forms, by the sanitizer's library
-#endif
-#endif
-
-#ifndef NEW_IS_TAKEN
-/// The parser's way to take memory, counted; otherwise what the library does.
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept try {
-  if (largeBlock > 0 && size >= largeBlock) ++largeBlocks;
-  return ::operator new[](size);
-} catch (const std::bad_alloc&) {
-  return nullptr;
-}
-#endif
 
 namespace ZAK {
 namespace {
@@ -88,21 +59,6 @@ struct Tree {
   }
 };
 
-/// Reads a body within a body, and counts on from the decoder's clock.
-struct Envelope {
-  Leaf leaf;
-  Date date{};
-  static Envelope decodeJSON(const JSONValue& json) {
-    Envelope envelope;
-    const Date before = json.getIfPresent<Date>("before").value_or(json.now());
-    envelope.leaf = JSONDecoder().decode<Leaf>(json.get<std::string>("body"));
-    envelope.date = json.getIfPresent<Date>("date").value_or(before);
-    if (json.get<Integer>("sum") != 42) json.fail("The sum does not match.");
-    return envelope;
-  }
-  void encodeJSON(JSONWriter&) const {}
-};
-
 template <class T>
 T decode(JSONBody body) {
   return JSONDecoder().decode<T>(body);
@@ -132,29 +88,6 @@ TEST(JSONDecoder, ConvertsNumbers) {
   EXPECT_EQ(decode<double>("1500"), 1500.0);
   EXPECT_EQ(decode<double>("18446744073709551615"), 18446744073709551615.0);
   EXPECT_EQ(decode<double>("0.1"), 0.1);
-}
-
-TEST(JSONDecoder, TakesOnlyTheTypeAskedFor) {
-  const char* const values[] = {"5", "true", "\"5\"", "[5]", "{\"a\":5}"};
-  const auto check = [&]<class T>(std::type_identity<T>, std::size_t own) {
-    for (std::size_t i = 0; i < std::size(values); ++i) {
-      if (i == own) {
-        EXPECT_NO_THROW((void)decode<T>(values[i])) << values[i];
-      } else {
-        EXPECT_EQ(decodingError<T>(values[i]).kind(), Kind::typeMismatch) << own << ' ' << values[i];
-      }
-    }
-    EXPECT_EQ(decodingError<T>("null").kind(), Kind::valueNotFound);
-    EXPECT_EQ(decode<std::optional<T>>("null"), std::nullopt);
-  };
-  check(std::type_identity<Integer>(), 0);
-  check(std::type_identity<double>(), 0);
-  check(std::type_identity<bool>(), 1);
-  check(std::type_identity<std::string>(), 2);
-  check(std::type_identity<URL>(), 2);
-  check(std::type_identity<Lenient>(), 2);
-  check(std::type_identity<std::vector<Integer>>(), 3);
-  check(std::type_identity<std::map<std::string, Integer>>(), 4);
 }
 
 TEST(JSONDecoder, ChecksTheWholeBodyAlsoWhereItIsIgnored) {
@@ -268,24 +201,6 @@ TEST(JSONDecoder, ReadsDatesByItsStrategy) {
   EXPECT_EQ(decodingError<Date>("1e13", decoder).kind(), Kind::dataCorrupted);
 }
 
-TEST(JSONDecoder, HooksReadWithTheDecodersStrategyAndClock) {
-  const Date now(std::chrono::seconds(7));
-  const JSONDecoder decoder(JSONDateStrategy::secondsSince2001, [&] { return now; });
-  const std::string body = R"("body":"{\"name\":\"inner\"}","sum":42)";
-  const auto envelopes =
-      decoder.decode<std::vector<Envelope>>("[{" + body + "},{" + body + R"(,"date":-978307199,"after":1}])");
-  EXPECT_EQ(envelopes[0].leaf.name, "inner");
-  EXPECT_EQ(envelopes[0].date, now);
-  EXPECT_EQ(envelopes[1].date, Date(std::chrono::seconds(1)));
-
-  EXPECT_STREQ(decodingError<std::vector<Envelope>>("[{" + body + "},{}]").what(), "[1]: missing key body");
-  EXPECT_STREQ(decodingError<std::vector<Envelope>>(R"([{"body":"{\"name\":\"a\"}","sum":"42"}])").what(),
-               "[0].sum: expected integer, found string");
-  EXPECT_STREQ(decodingError<std::vector<Envelope>>(R"([{"body":"{\"name\":\"a\"}","sum":41}])").what(),
-               "[0]: The sum does not match.");
-  EXPECT_STREQ(decodingError<std::vector<Envelope>>("[5]").what(), "[0]: expected object, found number");
-}
-
 TEST(JSONDecoder, ReadsBodiesOfAnySizeAndPlacing) {
   // A string whose buffer ends with the text, one with room behind it, and one that a larger body follows.
   for (const std::size_t count : {std::size_t{3}, std::size_t{60'000}, std::size_t{300'000}, std::size_t{3}}) {
@@ -299,44 +214,6 @@ TEST(JSONDecoder, ReadsBodiesOfAnySizeAndPlacing) {
     ASSERT_EQ(tight.size(), count);
     EXPECT_EQ(tight.back(), static_cast<Integer>(count) - 1);
   }
-}
-
-TEST(JSONDecoder, CopiesNoBodyWithSpareCapacity) {
-  std::string body = "[" + inQuotes(std::string(600'000, 'x')) + "]";
-  body.reserve(body.size() + JSONBody::wantedPadding);
-  std::thread([&body] {  // whose parser is new
-    (void)decode<std::vector<std::string>>(body);
-    largeBlock = body.size();
-    (void)decode<std::vector<std::string>>(body);
-    EXPECT_EQ(largeBlocks, 0);
-#ifndef NEW_IS_TAKEN
-    (void)decode<std::vector<std::string>>(std::string_view(body));
-    EXPECT_EQ(largeBlocks, 1);
-#endif
-  })
-      .join();
-}
-
-TEST(JSONDecoder, GrowsLargeArraysOnlyAsElementsTurnOutGood) {
-  // Two million leaves would take far more memory than the body; the first of them is already at fault.
-  std::string body = "[";
-  for (int i = 0; i < 2'000'000; ++i) body += "{},";
-  body.back() = ']';
-  EXPECT_STREQ(decodingError<std::vector<Leaf>>(body).what(), "[0]: missing key name");
-}
-
-TEST(JSONDecoder, ServesSeveralThreads) {
-  const JSONDecoder decoder;
-  std::atomic<int> good = 0;
-  std::vector<std::thread> threads;
-  for (int thread = 0; thread < 4; ++thread) {
-    threads.emplace_back([&decoder, &good, thread] {
-      const std::string name(static_cast<std::size_t>(thread) * 100, 'x');
-      for (int i = 0; i < 200; ++i) good += decoder.decode<Leaf>("{\"name\":" + inQuotes(name) + "}").name == name;
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(good, 800);
 }
 
 }  // namespace

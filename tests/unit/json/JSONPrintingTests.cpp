@@ -7,12 +7,6 @@
 namespace ZAK {
 namespace {
 
-TEST(JSONPrinting, SortsAndIndents) {
-  EXPECT_EQ(prettyPrinted(R"({"b":[1,{"z":null,"y":"a/b é"}],"a":true})"),
-            "{\n  \"a\": true,\n  \"b\": [\n    1,\n    {\n      \"y\": \"a/b é\",\n      \"z\": null\n    }\n  ]\n}");
-  EXPECT_EQ(prettyPrinted(" 5 "), "5");
-}
-
 TEST(JSONPrinting, RedactsTokensAndQuotesNothing) {
   const std::string body =
       R"({"access_token":"canary","x":[{"token":"canary","refresh_token":["canary"],"firebase_token":null}],"client_secret":"canary","scope":"kept","url":["https://b.example/p?Signature=canary"]})";

@@ -1,5 +1,4 @@
 #include "keychain/SelectedKeychain.hpp"
-#include "support/ChildProcess.hpp"
 #include "support/KeychainFailure.hpp"
 #include "support/TemporaryDirectory.hpp"
 
@@ -7,10 +6,6 @@
 #include <zvapikit/keychain/InMemoryKeychain.hpp>
 
 #include <gtest/gtest.h>
-
-#include <list>
-#include <unistd.h>
-#include <vector>
 
 namespace ZAK {
 namespace {
@@ -58,50 +53,6 @@ TEST(SelectedKeychainTest, keepsToTheRecordedBackendAndElseToTheOneThatAnswers) 
     EXPECT_EQ(failureOf([&] { data = keychain.data("key"); }), c.failure);
     EXPECT_EQ(data, c.data) << "an item of one backend never stands in for one of another";
     EXPECT_EQ(Tests::contentOf(directory / "backend"), c.recordAfter);
-  }
-}
-
-TEST(SelectedKeychainTest, looksAgainAfterAFailure) {
-  const Tests::TemporaryDirectory root;
-  const fs::path obstacle = root.write("items", "a file in the directory's place");
-  const auto secretService = std::make_shared<InMemoryKeychain>(settings);
-  SelectedKeychain keychain(settings, obstacle, secretService);
-  EXPECT_EQ(failureOf([&] { keychain.set("x", "key"); }), KeychainStatus::io);
-  EXPECT_EQ(secretService->counts().writes, 0U) << "what cannot be recorded is not begun";
-  fs::remove(obstacle);
-  keychain.set("x", "key");
-  EXPECT_EQ(keychain.data("key"), "x");
-}
-
-TEST(SelectedKeychainTest, processesThatStartTogetherAgree) {
-  for (int round = 0; round < 20; ++round) {
-    const Tests::TemporaryDirectory root;
-    int gate[2];
-    ASSERT_EQ(::pipe(gate), 0);
-    // Every other one finds no service. Each says by its exit code which backend it went to.
-    std::list<Tests::ChildProcess> children;
-    for (int i = 0; i < 4; ++i) {
-      children.emplace_back([&] {
-        ::close(gate[1]);
-        char byte = 0;
-        if (::read(gate[0], &byte, 1) != 0) return 9;
-        const auto secretService = std::make_shared<InMemoryKeychain>(settings);
-        if (i % 2 == 0) secretService->failNext(KeychainStatus::notAvailable, 2);
-        SelectedKeychain keychain(settings, root.path() / "items", secretService);
-        const auto failure = failureOf([&] { keychain.set("x", "key"); });
-        return secretService->counts().writes > 0 ? 1 : failure ? 9 : 2;
-      });
-    }
-    ::close(gate[1]);
-    ::close(gate[0]);
-    std::vector<int> codes;
-    for (auto& child : children) codes.push_back(child.wait());
-    const int recorded = Tests::contentOf(root.path() / "items/backend") == "file\n" ? 2 : 1;
-    for (std::size_t i = 0; i < codes.size(); ++i) {
-      // A process that comes when the service is recorded already does not choose: it finds its own service away.
-      const bool late = recorded == 1 && i % 2 == 0 && codes[i] == 9;
-      EXPECT_TRUE(late || codes[i] == recorded) << "process " << i << " ended with " << codes[i];
-    }
   }
 }
 

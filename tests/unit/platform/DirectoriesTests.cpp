@@ -21,7 +21,6 @@ TEST(DirectoriesTest, defaultsComeFromEnvironmentAndBundle) {
   };
   const Case cases[] = {
       {{"/data", "/home/u", "/var/tmp", 7}, "a.b", "/data/a.b/Documents", "/var/tmp/zvapikit-7-a.b"},
-      {{"", "/home/u", "", 7}, "a.b", "/home/u/.local/share/a.b/Documents", "/tmp/zvapikit-7-a.b"},
       {{"relative", "/home/u", "relative", 0}, "a.b", "/home/u/.local/share/a.b/Documents", "/tmp/zvapikit-0-a.b"},
       {{"/data", "", "", 7}, "../../etc", "/data/.._.._etc/Documents", "/tmp/zvapikit-7-.._.._etc"},
       {{"/data", "", "", 7}, "..", "/data/unknown/Documents", "/tmp/zvapikit-7-unknown"},

@@ -10,28 +10,17 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace ZAK {
 namespace {
 
 TEST(OperatingSystemVersionTest, readsKernelReleases) {
-  const std::pair<std::string_view, std::string> cases[] = {
-      {"6.1.0-18-amd64", "6.1.0"},
-      {"5.15.167.4-microsoft-standard-WSL2", "5.15.167"},
-      {"6.1", "6.1.0"},
-      {"6.1-rc3", "6.1.0"},
-      {"6.x.3", "6.0.0"},
-      {"6.-1.3", "6.0.0"},
-      {"99999999999.1.2", "0.0.0"},
-      {"", "0.0.0"},
-      {"generic", "0.0.0"},
-  };
-  for (const auto& [release, expected] : cases) {
-    EXPECT_EQ(OperatingSystemVersion::fromRelease(release).description(), expected) << release;
-  }
-  EXPECT_GT(OperatingSystemVersion::current().major, 0);
+  const auto read = [](const char* release) { return OperatingSystemVersion::fromRelease(release).description(); };
+  EXPECT_EQ(read("5.15.167.4-microsoft-standard-WSL2"), "5.15.167");
+  EXPECT_EQ(read("6.1-rc3"), "6.1.0");
+  EXPECT_EQ(read("99999999999.1.2"), "0.0.0");
+  EXPECT_EQ(read(""), "0.0.0");
 }
 
 TEST(BundleInfoTest, whatCannotStandInAHeaderIsUnknown) {
@@ -57,28 +46,20 @@ TEST(LocaleTest, languageAndPreferredLanguagesFollowTheEnvironment) {
       {{"fr_FR.UTF-8", "de_DE", "it_IT", ""}, "fr", {"fr-FR"}},
       {{"", "de_DE", "it_IT", ""}, "de", {"de-DE"}},
       {lang("it_IT"), "it", {"it-IT"}},
-      {lang("ast"), "ast", {"ast"}},
       {lang("de_DE.ISO-8859-15@euro"), "de", {"de-DE"}},
       {lang("es_419"), "es", {"es-419"}},
       {lang("sr_RS@latin"), "sr", {"sr-Latn-RS"}},
-      {lang("uz_UZ.UTF-8@cyrillic"), "uz", {"uz-Cyrl-UZ"}},
       {lang("zh_CN.UTF-8"), "zh", {"zh-Hans-CN"}},
-      {lang("zh_TW"), "zh", {"zh-Hant-TW"}},
       {lang("zh_Hant_CN"), "zh", {"zh-Hant-CN"}},
-      {lang("FR_fr"), "fr", {"fr-FR"}},
       // LANGUAGE ranks the languages, but does not make a locale.
       {{"", "", "fr_FR.UTF-8", "de_AT:en_GB:en"}, "fr", {"de-AT", "en-GB", "en"}},
       {{"", "", "fr_FR", "C::not a language:en\r\nx: y"}, "fr", {"fr-FR"}},
       {{"", "", "C.UTF-8", "de"}, std::nullopt, {"en"}},
       {{"POSIX", "", "fr_FR", "de"}, std::nullopt, {"en"}},
-      {{"C", "", "", ""}, std::nullopt, {"en"}},
       {lang(""), std::nullopt, {"en"}},
       // Nothing that could break out of a header gets through.
       {lang("fr_FR\r\nX-Evil: 1"), std::nullopt, {"en"}},
       {lang("fr_"), "fr", {"fr"}},
-      {lang("fr_FR_FR"), std::nullopt, {"en"}},
-      {lang("f"), std::nullopt, {"en"}},
-      {lang("fr FR"), std::nullopt, {"en"}},
       {lang("f\xc3\xa9"), std::nullopt, {"en"}},
   };
   for (const Case& c : cases) {
@@ -99,13 +80,10 @@ TEST(TimeZoneTest, variableThenLocaltimeThenFileThenGMT) {
   const std::string rome = "/usr/share/zoneinfo/Europe/Rome";
   const Case cases[] = {
       {"Europe/Paris", rome, "Asia/Tokyo\n", "Europe/Paris"},
-      {":Europe/Paris", rome, std::nullopt, "Europe/Paris"},
       {":/usr/share/zoneinfo/Europe/Paris", rome, std::nullopt, "Europe/Paris"},
       {"/usr/share/zoneinfo/posix/Europe/Paris", rome, std::nullopt, "Europe/Paris"},
       // What is no zone of the database does not count, wherever it points.
-      {"Europe/Atlantis", rome, std::nullopt, "Europe/Rome"},
       {"Europe", rome, std::nullopt, "Europe/Rome"},
-      {"zone.tab", rome, std::nullopt, "Europe/Rome"},
       {"notazone", rome, std::nullopt, "Europe/Rome"},
       {"CET-1CEST,M3.5.0,M10.5.0/3", rome, std::nullopt, "Europe/Rome"},
       {"../zoneinfo/Europe/Paris", rome, std::nullopt, "Europe/Rome"},
@@ -115,8 +93,6 @@ TEST(TimeZoneTest, variableThenLocaltimeThenFileThenGMT) {
       {"", "../usr/share/zoneinfo/Etc/GMT+5", std::nullopt, "Etc/GMT+5"},
       {"", "/somewhere/else", "Asia/Tokyo\n", "Asia/Tokyo"},
       {"", "/usr/share/zoneinfo/bad name\n", "Asia/Tokyo\n", "Asia/Tokyo"},
-      {"", std::nullopt, "Asia/Tokyo", "Asia/Tokyo"},
-      {"", std::nullopt, "\n", "GMT"},
       {"", std::nullopt, "/etc/passwd\n", "GMT"},
       {"", std::nullopt, std::nullopt, "GMT"},
   };
