@@ -5,8 +5,10 @@
 #include <boost/asio/bind_cancellation_slot.hpp>
 #include <boost/asio/cancellation_signal.hpp>
 #include <boost/asio/co_spawn.hpp>
+#include <boost/asio/error.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
+#include <boost/system/system_error.hpp>
 
 #include <atomic>
 #include <exception>
@@ -67,7 +69,10 @@ void BlockingClient::complete(asio::awaitable<void> operation, std::stop_token s
                  }));
   io.restart();
   try {
-    while (!run->hasEnded) io.run_one();
+    while (!run->hasEnded) {
+      // The host stopped the context, or nothing is left that would resume the operation.
+      if (io.run_one() == 0 && !run->hasEnded) throw boost::system::system_error(asio::error::operation_aborted);
+    }
   } catch (...) {
     cancel();
     throw;

@@ -20,8 +20,6 @@
 #include <zvapikit/keychain/InMemoryKeychain.hpp>
 #include <zvapikit/keychain/KeychainFactory.hpp>
 
-#include <boost/asio/dispatch.hpp>
-
 #include <mutex>
 #include <stdexcept>
 
@@ -164,13 +162,9 @@ boost::asio::any_io_executor MobileApiClient::spawnExecutor() const { return par
 void MobileApiClient::SpawnCancellation::operator()(boost::asio::cancellation_type type) const {
   const auto running = client.lock();
   if (!running) return;  // and so nothing is under way
-  try {
-    boost::asio::dispatch(running->spawnExecutor(), [signal = operation, type] {
-      if (const auto call = signal.lock()) call->emit(type);
-    });
-  } catch (const boost::system::system_error&) {
-    // The context has ended, and the operation with it.
-  }
+  running->parts_->spawnStrand->post([signal = operation, type] {
+    if (const auto call = signal.lock()) call->emit(type);
+  });
 }
 
 boost::asio::awaitable<void> MobileApiClient::send(HTTPRequest request, Route route, DecodeTarget target) {

@@ -3,11 +3,13 @@
 #include "http/ContextBound.hpp"
 
 #include <boost/asio/any_io_executor.hpp>
+#include <boost/asio/post.hpp>
 #include <boost/asio/strand.hpp>
 
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <utility>
 
 namespace ZAK {
 
@@ -29,6 +31,14 @@ class ContextStrand final : public ContextBound {
 
   /// \throws boost::system::system_error of `operation_aborted` once the context has ended.
   [[nodiscard]] Executor executor() const;
+
+  /// Runs the function on the strand, or not at all once the context has ended. Unlike a copy of the strand this may be
+  /// used while another thread destroys the context.
+  template <class Function>
+  void post(Function function) const {
+    const std::lock_guard lock(mutex_);
+    if (strand_) boost::asio::post(*strand_, std::move(function));
+  }
 
   void contextShutdown() noexcept override;
 

@@ -47,7 +47,9 @@ class ZVAPIKIT_API BlockingClient {
   /// A stop request, from any thread or from what runs meanwhile, cancels the operation, which then ends as a cancelled
   /// one does; one that was made before keeps it from sending anything. What a callback throws leaves `run` too, and
   /// cancels the operation, whose end then is nobody's.
-  /// \throws std::logic_error when called while it runs; otherwise what the operation throws.
+  /// \throws std::logic_error when called while it runs; boost::system::system_error of `operation_aborted` when the
+  ///   host stops the context of `executor()`, or nothing is left that would resume the operation; otherwise what the
+  ///   operation throws.
   template <class T>
   T run(boost::asio::awaitable<T> operation, std::stop_token stop = {}) {
     if constexpr (std::is_void_v<T>) {

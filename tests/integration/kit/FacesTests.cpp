@@ -184,5 +184,17 @@ TEST_F(Blocking, LeavesOtherWorkToTheNextRun) {
   EXPECT_EQ(ended, Texts{"ok"});
 }
 
+TEST_F(Blocking, EndsWhenNothingCanResumeTheOperation) {
+  asio::post(tool.executor(),
+             [executor = tool.executor()] { executor.target<asio::io_context::executor_type>()->context().stop(); });
+  EXPECT_EQ(ran(forever()), "cancelled") << "the host stopped the context";
+
+  // What was to resume it is destroyed.
+  const auto dropped = [](auto&& handler) { (void)std::decay_t<decltype(handler)>(std::move(handler)); };
+  EXPECT_EQ(ran(asio::async_initiate<const asio::use_awaitable_t<>, void()>(dropped, asio::use_awaitable)),
+            "cancelled");
+  EXPECT_EQ(ran(ignoring(content.post(PostId("post-bob")))), "ok") << "and goes on";
+}
+
 }  // namespace
 }  // namespace ZAK::Tests
