@@ -11,8 +11,7 @@ namespace ZAK {
 /// Receives the kit's log lines. Each begins with the bracketed name of the component that wrote it.
 ///
 /// Thread safety: called from any thread that runs the client's executor or that of a call, for several calls at once.
-/// Must not block.
-/// What it throws is swallowed.
+/// Must not block. What it throws is swallowed.
 class ZVAPIKIT_API LoggerDelegate {
  public:
   virtual ~LoggerDelegate() = default;
