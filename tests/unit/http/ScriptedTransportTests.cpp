@@ -1,6 +1,5 @@
 #include "support/Runner.hpp"
 
-#include <zvapikit/http/ManualClock.hpp>
 #include <zvapikit/http/ScriptedTransport.hpp>
 
 #include <gmock/gmock.h>
@@ -9,9 +8,6 @@
 
 namespace ZAK {
 namespace {
-
-namespace asio = boost::asio;
-using std::chrono::milliseconds;
 
 TEST(ScriptedTransport, servesItsScript) {
   Tests::Runner runner;
