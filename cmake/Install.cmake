@@ -1,5 +1,5 @@
-# Installs the kit, and with ZVAPIKIT_EMULATOR the emulator, for find_package and pkg-config. Nothing installed names the
-# prefix, so the tree may be moved.
+# Installs the kit, and with ZVAPIKIT_EMULATOR the emulator, for find_package and pkg-config. Nothing installed names
+# the prefix, so the tree may be moved.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -22,11 +22,14 @@ function(zvapikit_install target name component headers)
     DESTINATION ${package_dir}
     COMPONENT ${component})
   configure_file(${PROJECT_SOURCE_DIR}/cmake/${target}.pc.in ${target}.pc @ONLY)
-  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${target}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT ${component})
+  install(
+    FILES ${CMAKE_CURRENT_BINARY_DIR}/${target}.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+    COMPONENT ${component})
 endfunction()
 
-# A static library needs these of its host, linked as they are found. They are not private in pkg-config's sense: that is
-# for programs linked statically as a whole, and would ask for everything libcurl was built with.
+# A static library needs these of its host, linked as they are found. They are not private in pkg-config's sense: that
+# is for programs linked statically as a whole, and would ask for everything libcurl was built with.
 if(NOT BUILD_SHARED_LIBS)
   set(ZVAPIKIT_REQUIRES ", libcurl >= 7.88, openssl, simdjson, libsecret-1 >= 0.20")
   set(ZVAPIKIT_LIBS " -ldate-tz") # it has no .pc file

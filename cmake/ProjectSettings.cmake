@@ -32,7 +32,8 @@ if(ZVAPIKIT_SANITIZE)
   target_link_options(zvapikit_settings INTERFACE -fsanitize=${ZVAPIKIT_SANITIZE})
 endif()
 
-# Objects are the same for a static and a shared library: position-independent, and only what ZVAPIKIT_API marks is seen.
+# Objects are the same for a static and a shared library: position-independent, and only what ZVAPIKIT_API marks is
+# seen.
 function(zvapikit_library target)
   set_target_properties(
     ${target}

@@ -167,7 +167,7 @@ size() {
     cmake --preset release -B $build -DBUILD_SHARED_LIBS=ON -DZVAPIKIT_TESTS=OFF -DZVAPIKIT_TOOLS=OFF \
       -DZVAPIKIT_EXAMPLES=OFF -DZVAPIKIT_BENCHMARKS=OFF -DCMAKE_INSTALL_LIBDIR=lib
     cmake --build $build -j 2 --target zvapikit
-    cmake --install $build --component Kit --prefix "$out/kit" --strip
+    cmake --install $build --component Kit --prefix "$out/kit" --strip >/dev/null
   } >&2
   echo "sample size 0 library $(stat -Lc %s "$out/kit/lib/libzvapikit.so")"
   for run in 0 1 2 3 4; do

@@ -97,6 +97,7 @@ void onAPool(const ZAK::EmulatorThread& backend) {
   cancel.emit(boost::asio::cancellation_type::total);
   require(cancelled.get_future().get(), "the call was not cancelled");
   pool.join();
+  backend->clearFaults();  // it may not have been met
 }
 
 void blocking(ZAK::Context context) {

@@ -15,6 +15,7 @@ export CCACHE_BASEDIR=$kit CCACHE_NOHASHDIR=1 CMAKE_GENERATOR=Ninja
 [ ! -d /usr/lib/ccache ] || PATH=/usr/lib/ccache:$PATH # no launcher in CMake, so that one that leaks is seen
 outside=$(mktemp -d)
 trap 'rm -rf "$outside"' EXIT
+cp -r tests/package/consumer "$outside"
 as_dev=(-DCMAKE_CXX_COMPILER=g++ -DCMAKE_BUILD_TYPE=Debug "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -g1" -DCMAKE_CXX_EXTENSIONS=OFF
   -DCMAKE_COMPILE_WARNING_AS_ERROR=ON)
 
@@ -27,7 +28,8 @@ install_kit() {
   [ ! -d "$prefix" ] || return 0
   [ "$kind" = static ] || shared=ON
   configure . "build/package-$kind" "${as_dev[@]}" -DBUILD_SHARED_LIBS=$shared \
-    -DCMAKE_CXX_COMPILER_LAUNCHER= -DZVAPIKIT_TESTS=OFF -DZVAPIKIT_TOOLS=OFF -DZVAPIKIT_EXAMPLES=OFF -DCMAKE_INSTALL_LIBDIR=lib
+    -DCMAKE_CXX_COMPILER_LAUNCHER= -DCMAKE_INSTALL_LIBDIR=lib -DZVAPIKIT_TESTS=OFF -DZVAPIKIT_TOOLS=OFF \
+    -DZVAPIKIT_EXAMPLES=OFF
   build "build/package-$kind"
   DESTDIR=$outside/staged cmake --install "build/package-$kind" --prefix "/$kind"
   mv "$outside/staged/$kind" "$prefix"
@@ -35,8 +37,9 @@ install_kit() {
 
 find_package() {
   install_kit "$1"
-  configure tests/package/consumer "$outside/find-$1" -DWAY=find_package -DCMAKE_PREFIX_PATH="$outside/$1" "${@:2}"
-  build "$outside/find-$1"
+  configure "$outside/consumer" "$outside/find-$1" -DCMAKE_CXX_COMPILER=g++ -DWAY=find_package \
+    -DCMAKE_PREFIX_PATH="$outside/$1"
+  CCACHE_BASEDIR=$outside build "$outside/find-$1"
   "$outside/find-$1/consumer"
 }
 static() { find_package static; }
@@ -56,8 +59,8 @@ symbols() {
     refuse -Ev '^([VWu] |. ZAK::)' <"$outside/symbols"
     refuse -E '(boost::urls|boost::beast|simdjson|date|nlohmann)::|curl_' <"$outside/symbols"
   done
-  find include emulator/include -name '*.hpp' -exec sed -nE 's/^(class|struct) (ZVAPIKIT_API )?(\w+).*[^;]$/ZAK::\3::/p' {} + \
-    >"$outside/classes"
+  find include emulator/include -name '*.hpp' \
+    -exec sed -nE 's/^(class|struct) (ZVAPIKIT_API )?(\w+).*[^;]$/ZAK::\3::/p' {} + >"$outside/classes"
   find build/package-shared -name '*.o' -exec readelf -sW {} + | awk '$5 == "GLOBAL" && $6 == "HIDDEN" { print $8 }' |
     c++filt | sed 's/(.*//' >"$outside/hidden"
   [ -s "$outside/classes" ]
@@ -75,7 +78,7 @@ refuse() {
 incomplete() {
   install_kit static
   cmake --install build/package-static --component Kit --prefix "$outside/kit-only"
-  ! configure tests/package/consumer "$outside/incomplete" -DWAY=find_package \
+  ! configure "$outside/consumer" "$outside/incomplete" -DWAY=find_package \
     -DCMAKE_PREFIX_PATH="$outside/kit-only" >"$outside/answer" 2>&1
   grep -F "installed here without what was asked for: Emulator" "$outside/answer"
 }
@@ -84,22 +87,23 @@ pkg-config-static() { use_pkg_config static g++; }
 pkg-config-shared() { use_pkg_config shared clang++-19; }
 use_pkg_config() {
   install_kit "$1"
-  local flags
-  flags=$(PKG_CONFIG_PATH=$outside/$1/lib/pkgconfig pkg-config --cflags --libs zvapikit_emulator)
-  # shellcheck disable=SC2086 # they are words
-  "$2" -std=c++20 -Wall -Wextra -Werror tests/package/consumer/main.cpp $flags -o "$outside/pkg-config-$1"
-  LD_LIBRARY_PATH=$outside/$1/lib "$outside/pkg-config-$1"
+  cd "$outside"
+  export CCACHE_BASEDIR=$outside PKG_CONFIG_PATH=$outside/$1/lib/pkgconfig
+  # shellcheck disable=SC2046 # they are words
+  "$2" -std=c++20 -Wall -Wextra -Werror $(pkg-config --cflags zvapikit_emulator) -c consumer/main.cpp -o "$1.o"
+  # shellcheck disable=SC2046
+  "$2" "$1.o" $(pkg-config --libs zvapikit_emulator) -o "pkg-config-$1"
+  LD_LIBRARY_PATH=$1/lib "./pkg-config-$1"
 }
 
 add_subdirectory() { as_subproject add_subdirectory; }
 FetchContent() { as_subproject FetchContent; }
 as_subproject() {
-  cp -r tests/package/consumer "$outside/$1"
-  configure "$outside/$1" "build/package-$1" "${as_dev[@]}" -DWAY="$1" -DKIT="$kit"
+  configure "$outside/consumer" "build/package-$1" "${as_dev[@]}" -DWAY="$1" -DKIT="$kit"
   build "build/package-$1"
   "build/package-$1/consumer"
-  cmake --install "build/package-$1" --prefix "$outside/$1/installed"
-  [ ! -e "$outside/$1/installed" ]
+  cmake --install "build/package-$1" --prefix "$outside/$1"
+  [ ! -e "$outside/$1" ]
 }
 
 failed=0

@@ -96,6 +96,18 @@ class Runner {
     if (!context_->stopped()) throw std::runtime_error("something is still in flight");
   }
 
+  /// Runs until the condition holds; false when that takes longer than any test should.
+  template <class Condition>
+  bool runUntil(Condition condition) {
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (!condition()) {
+      if (std::chrono::steady_clock::now() > limit) return false;
+      context_->restart();
+      context_->run_for(std::chrono::milliseconds(1));
+    }
+    return true;
+  }
+
   void destroyContext() { context_.reset(); }
 
  private:

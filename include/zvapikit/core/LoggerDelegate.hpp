@@ -10,8 +10,8 @@ namespace ZAK {
 
 /// Receives the kit's log lines. Each begins with the bracketed name of the component that wrote it.
 ///
-/// Thread safety: called from any thread that runs the client's executor, for several calls at once. Must not block.
-/// What it throws is swallowed.
+/// Thread safety: called from any thread that runs the client's executor or that of a call, for several calls at once.
+/// Must not block. What it throws is swallowed.
 class ZVAPIKIT_API LoggerDelegate {
  public:
   virtual ~LoggerDelegate() = default;

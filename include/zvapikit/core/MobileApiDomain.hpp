@@ -15,8 +15,9 @@ class MobileApiClient;
 /// every call with `ZAKError::noClientAvailable` and never revives.
 ///
 /// g++ 12 does not compile a braced list inside a `co_await` expression (`co_await group.deleteComments({"a"}, ...)`),
-/// and destroys a value chosen there by `?:` twice (`co_await group.fetchFof(known ? *known : CursorDto::start())`):
-/// give the list, and the choice, a name first.
+/// destroys a value chosen there by `?:` twice (`co_await group.fetchFof(known ? *known : CursorDto::start())`), and
+/// may destroy a coroutine's parameters too early around `if (co_await ...)`: give the list, the choice and the result
+/// a name first.
 ///
 /// Each operation is an ordinary function that takes its arguments by value and builds its whole request; nothing it
 /// was given needs to outlive the call, and an awaitable that is never awaited does nothing. Whatever fails is thrown

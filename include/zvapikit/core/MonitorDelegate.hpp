@@ -16,8 +16,8 @@ namespace ZAK {
 ///
 /// Requests, URLs and bodies may hold tokens: do not log them whole.
 ///
-/// Thread safety: called from any thread that runs the client's executor, for several calls at once. Must not block.
-/// What it throws is swallowed.
+/// Thread safety: called from any thread that runs the client's executor or that of a call, for several calls at once.
+/// Must not block. What it throws is swallowed.
 class ZVAPIKIT_API MonitorDelegate {
  public:
   virtual ~MonitorDelegate() = default;

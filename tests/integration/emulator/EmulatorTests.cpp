@@ -1,7 +1,6 @@
 #include "integration/kit/Kit.hpp"
 
 #include <filesystem>
-#include <thread>
 
 namespace ZAK::Tests {
 namespace {
@@ -154,7 +153,7 @@ TEST(EmulatorLifetime, StopEndsItsWorkWithAConnectionOpenAndAnAnswerDelayed) {
     EXPECT_EQ(std::filesystem::status(caFile.parent_path()).permissions(), std::filesystem::perms::owner_all);
     kit.emulator->inject({.delay = 1h});
     kit.start(kit.reading());
-    EXPECT_TRUE(kit.runUntil([&] { return kit.emulator->counts().faults == 1; }));
+    EXPECT_TRUE(kit.runner.runUntil([&] { return kit.emulator->counts().faults == 1; }));
     kit.emulator->stop();
     kit.finish();
     EXPECT_NE(std::exchange(*kit.outcomes, {}), Texts{"ok"});

@@ -86,7 +86,7 @@ TEST(Spawn, CancelsWithEveryTypeAtAnyTime) {
                             ended = outcome(read.error());
                           }));
         if (moment != beforeItStarts) {
-          EXPECT_TRUE(kit.runUntil([&] { return !isOurs || kit.emulator->counts().faults > 0; }));
+          EXPECT_TRUE(kit.runner.runUntil([&] { return !isOurs || kit.emulator->counts().faults > 0; }));
         }
         if (moment == fromAnotherThread) {
           std::thread([&] { signal.emit(type); }).join();

@@ -177,19 +177,9 @@ void Kit::start(awaitable<void> call, boost::asio::cancellation_slot slot) {
   });
 }
 
-bool Kit::runUntil(const std::function<bool()>& condition) {
-  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-  while (!condition()) {
-    if (std::chrono::steady_clock::now() > limit) return false;
-    runner.context().restart();
-    runner.context().run_for(std::chrono::milliseconds(1));
-  }
-  return true;
-}
-
 void Kit::finish() {
   runner.context().restart();
-  const bool finished = runUntil([this] {
+  const bool finished = runner.runUntil([this] {
     if (clock->pendingWaits() > 0) clock->advance(std::chrono::minutes(1));
     return runner.context().stopped();
   });

@@ -109,8 +109,6 @@ class Kit {
   std::string outcomeOf(awaitable<void> call);
   /// Starts a call whose outcome is appended to `outcomes`.
   void start(awaitable<void> call, boost::asio::cancellation_slot slot = {});
-  /// Runs until the condition holds; false when that takes too long.
-  bool runUntil(const std::function<bool()>& condition);
   /// Runs until nothing is in flight, moving a manual clock on.
   void finish();
   /// Signs in, and forgets what came of it.

@@ -226,7 +226,7 @@ TEST(KitTokens, ClearDropsTheOutcomeOfARunningRefreshAndCancelledCallsDoNot) {
     const std::size_t refresh = kit.emulator->inject(slow);
     Running<void> first(kit.runner.context(), kit.reading());
     Running<void> second(kit.runner.context(), kit.reading());
-    ASSERT_TRUE(kit.runUntil([&] { return kit.emulator->timesMet(refresh) == 1; }));
+    ASSERT_TRUE(kit.runner.runUntil([&] { return kit.emulator->timesMet(refresh) == 1; }));
     if (clears) {
       kit.start(clearToken(kit.client));
     } else {

@@ -102,7 +102,7 @@ TEST(KitUpload, TriesABrokenConnectionFourTimesUnlessCancelled) {
   UploadDomain uploads(kit.client);
   const std::size_t unanswered = kit.emulator->inject({.cutAfter = 0});
   Running<void> call(kit.runner.context(), uploads.upload(picture, url));
-  ASSERT_TRUE(kit.runUntil([&] { return kit.emulator->timesMet(unanswered) == 1; }));
+  ASSERT_TRUE(kit.runner.runUntil([&] { return kit.emulator->timesMet(unanswered) == 1; }));
   call.cancel.emit(boost::asio::cancellation_type::total);
   kit.finish();
   EXPECT_TRUE(call.wasCancelled());

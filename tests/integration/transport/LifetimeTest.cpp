@@ -90,7 +90,7 @@ TEST_P(LifetimeAt, endsWithoutHangOrLeak) {
   const auto type = cancellationType(action);
   const bool cancels = type != asio::cancellation_type::none;
   const Call call = start(shared->perform(request));
-  ASSERT_TRUE(runUntil([&] { return scene.reached() && told; }));
+  ASSERT_TRUE(runner.runUntil([&] { return scene.reached() && told; }));
   EXPECT_FALSE(call->done());
   const auto begin = std::chrono::steady_clock::now();
   if (action == Action::dropTransport) {
@@ -139,7 +139,7 @@ TEST_F(Lifetime, processEndsWhileANameIsResolved) {
     blockResolver(true);
     const auto shared = transport();
     const Call call = start(shared->perform(get("https://blocked.test/")));
-    runUntil([] { return blockedLookUps() > 0; });
+    runner.runUntil([] { return blockedLookUps() > 0; });
     call->cancel.emit(asio::cancellation_type::terminal);
     runner.drain();
     std::exit(call->wasCancelled() ? 0 : 1);

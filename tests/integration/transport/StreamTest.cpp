@@ -65,7 +65,7 @@ TEST_F(StreamTest, aFileThatChangesWhileItIsSentIsNeverTakenForWhole) {
     request.progress.sent = sent.listener();
     const auto shared = transport();
     const Call call = start(shared->perform(request));
-    ASSERT_TRUE(runUntil([&] { return sent.done > 0; }));
+    ASSERT_TRUE(runner.runUntil([&] { return sent.done > 0; }));
     fs::resize_file(file, size);
     gate.set_value();
     runner.drain();

@@ -5,7 +5,6 @@
 
 #include <zvapikit/http/CurlTransport.hpp>
 
-#include <chrono>
 #include <memory>
 #include <string>
 
@@ -44,17 +43,6 @@ class TransportFixture : public testing::Test {
 
   Call start(boost::asio::awaitable<TransferResult> transfer) {
     return std::make_shared<Running<TransferResult>>(runner.context(), std::move(transfer));
-  }
-  /// Runs the context until the condition holds; false after a time that no test takes.
-  template <class Condition>
-  bool runUntil(Condition condition) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!condition()) {
-      if (std::chrono::steady_clock::now() > end) return false;
-      runner.context().restart();
-      runner.context().run_for(std::chrono::milliseconds(2));
-    }
-    return true;
   }
   /// Carries one transfer through from start to end.
   TransferResult perform(const std::shared_ptr<Transport>& transport, TransferRequest request) {

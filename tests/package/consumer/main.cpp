@@ -1,5 +1,5 @@
-// A host of the kit as somebody else would write it: what crosses the border between library and host, each in one
-// call.
+// A host of the kit as somebody else would write it, with one call for each thing that crosses the border between
+// library and host.
 
 #include <zvapikit/core/Context.hpp>
 #include <zvapikit/core/EmptyDto.hpp>

@@ -1,7 +1,6 @@
 #include "support/Runner.hpp"
 
 #include <zvapikit/auth/TokenDto.hpp>
-#include <zvapikit/http/ManualClock.hpp>
 #include <zvapikit/http/ScriptedTransport.hpp>
 #include <zvapikit/json/JSONDecoder.hpp>
 
@@ -11,9 +10,6 @@
 
 namespace ZAK {
 namespace {
-
-namespace asio = boost::asio;
-using std::chrono::milliseconds;
 
 TEST(ScriptedTransport, servesItsScript) {
   Tests::Runner runner;
