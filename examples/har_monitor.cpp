@@ -88,7 +88,9 @@ class HarMonitor : public ZAK::MonitorDelegate {
     const std::scoped_lock lock(mutex_);
     const json creator = {{"name", "ZVApiKit"}, {"version", ZAK::Info::version()}};
     const json log = {{"version", "1.2"}, {"creator", creator}, {"entries", entries_}};
-    std::ofstream(file) << json{{"log", log}}.dump(2, ' ', false, json::error_handler_t::replace);
+    std::ofstream out(file);
+    std::filesystem::permissions(file, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    out << json{{"log", log}}.dump(2, ' ', false, json::error_handler_t::replace);
   }
 
  private:
@@ -108,9 +110,9 @@ class HarMonitor : public ZAK::MonitorDelegate {
       query.push_back({{"name", item.name}, {"value", item.value.value_or("")}});
     }
     json headers = json::array();
-    for (const auto& [name, value] : request.headers.elements()) {
-      if (name != "Authorization") headers.push_back({{"name", name}, {"value", value}});
-    }
+    ZAK::HTTPHeaders shown = request.headers;
+    shown.remove("Authorization");  // however it is spelt
+    for (const auto& [name, value] : shown.elements()) headers.push_back({{"name", name}, {"value", value}});
     json result = {{"method", rawValue(request.method)},
                    {"url", call.url.withoutQuery()},
                    {"httpVersion", m.protocol},

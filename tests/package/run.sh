@@ -66,6 +66,9 @@ symbols() {
   [ -s "$outside/classes" ]
   [ -s "$outside/hidden" ]
   refuse -F -f "$outside/classes" "$outside/hidden"
+  sed -nE 's/^ZAK::(\w+)$/^[^ \/#].*\\b\1\\(/p' "$outside/hidden" | sort -u >"$outside/functions"
+  [ -s "$outside/functions" ]
+  refuse -rE -f "$outside/functions" include emulator/include
 }
 # Prints what grep finds, which is a failure.
 refuse() {
