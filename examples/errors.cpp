@@ -26,7 +26,8 @@ namespace {
 // The server understood the call and refused it, in words of its own.
 std::string adviceFor(const ZAK::ErrorDto& refusal) {
   const std::string words = "show \"" + refusal.message.value_or(refusal.error) + "\"";
-  if (refusal.statusCode == 401) return "sign in again";
+  // Or no token could be had because the authentication server does not answer: only the log tells.
+  if (refusal.statusCode == 401) return "try again, then sign in again";
   const std::optional<ZAK::ErrorDto::Key> key = refusal.key();  // absent too when it is one that the kit does not know
   if (!key) return words;
   switch (*key) {
@@ -88,7 +89,7 @@ std::string adviceFor(const std::exception_ptr& failure) {
   } catch (const ZAK::HTTPError& error) {  // by itself from uploads only
     return adviceFor(error);
   } catch (const ZAK::DecodingError&) {
-    return "update the app";  // what() names the field, and never holds the answer
+    return "update the app";  // what() names the field, and quotes at most the value at fault
   } catch (const ZAK::EncodingError&) {
     return "correct the argument";
   } catch (const std::filesystem::filesystem_error&) {

@@ -11,6 +11,7 @@ cd "$(dirname "$0")/.." || exit
 case "${1:-}" in -h | --help) sed -n '2,5s/^# \{0,1\}//p' "$0" && echo "  ${steps[*]}" && exit 0 ;; esac
 [ $# -eq 0 ] || steps=("$@")
 
+scripts/setup.sh check || exit
 out=build/check
 jobs=2
 mkdir -p "$out/headers"

@@ -3,7 +3,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/setup.sh
+scripts/setup.sh build
 export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1 # so that tests/package/run.sh finds these objects
 cmake --preset dev >/dev/null
 cmake --build --preset dev -j 2 --target zvkit >&2

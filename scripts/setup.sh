@@ -1,21 +1,34 @@
 #!/usr/bin/env bash
-# Installs what the kit, its tests and its checks need on Debian 12; with `bench`, what the benchmarks need beyond that.
-# Safe to run again: it does nothing once everything is there.
+# Installs on Debian 12 what is missing. Safe to run again: it does nothing once everything is there.
+#   scripts/setup.sh [GROUP]    one of these, each with those before it; the default is check
+#     kit      the library and the emulator, to build and to link them
+#     build    zvkit, the tests and the examples
+#     test     what the tests run against; Debian starts nginx's service when it is installed
+#     check    the wider checks
+#     bench    the benchmarks
 set -euo pipefail
 
-packages=(
-  # building
-  g++ cmake ninja-build ccache pkg-config
+kit=(
+  g++ cmake ninja-build pkg-config
   libboost1.81-dev libcurl4-openssl-dev libssl-dev libsimdjson-dev nlohmann-json3-dev libhowardhinnant-date-dev
-  zlib1g-dev tzdata libcli11-dev libsecret-1-dev
-  # tests
-  libgtest-dev libgmock-dev nginx-light openssl dbus gnome-keyring
-  # examples
-  libspdlog-dev
-  # the wider checks
-  clang-19 libclang-rt-19-dev clang-format-14 clang-tidy-14 doxygen python3
+  zlib1g-dev tzdata libsecret-1-dev
 )
-[ "${1:-}" != bench ] || packages+=(curl libnginx-mod-http-echo rapidjson-dev valgrind)
+build=(ccache libcli11-dev libgtest-dev libgmock-dev libspdlog-dev)
+test=(nginx-light openssl dbus gnome-keyring)
+check=(clang-19 libclang-rt-19-dev clang-format-14 clang-tidy-14 doxygen git python3)
+bench=(curl libnginx-mod-http-echo rapidjson-dev valgrind)
+
+packages=()
+for group in kit build test check bench; do
+  declare -n members=$group
+  packages+=("${members[@]}")
+  [ $group != "${1:-check}" ] || found=$group
+  [ -z "${found:-}" ] || break
+done
+[ -n "${found:-}" ] || {
+  echo "setup: no group $1" >&2
+  exit 2
+}
 
 missing=()
 for package in "${packages[@]}"; do

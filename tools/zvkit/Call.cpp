@@ -82,7 +82,7 @@ int call(const CallOptions& options) {
 
   boost::asio::io_context io(1);
   const auto logger = std::make_shared<ConsoleLogger>();
-  const auto firebase = options.firebaseToken ? std::make_shared<GivenToken>(*options.firebaseToken) : nullptr;
+  const auto firebase = std::make_shared<GivenToken>(options.firebaseToken.value_or(""));
   ZAK::Context context = makeContext(options, io.get_executor());
   if (options.verbose) context.logger = logger;
   context.authentifier = firebase;

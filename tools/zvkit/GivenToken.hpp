@@ -4,12 +4,13 @@
 
 #include <boost/asio/awaitable.hpp>
 
+#include <stdexcept>
 #include <string>
 #include <utility>
 
 namespace zvkit {
 
-/// Signs in with a Firebase token that is at hand.
+/// Signs in with a Firebase token that is at hand; without one nobody does, and the kit need not try.
 class GivenToken final : public ZAK::FirebaseAuthentifier {
  public:
   explicit GivenToken(std::string token_ = {}) : token(std::move(token_)) {}
@@ -20,7 +21,10 @@ class GivenToken final : public ZAK::FirebaseAuthentifier {
   std::string token;  ///< empty once signed out
 
  private:
-  static boost::asio::awaitable<std::string> yield(std::string token) { co_return token; }
+  static boost::asio::awaitable<std::string> yield(std::string token) {
+    if (token.empty()) throw std::runtime_error("no Firebase token is at hand");
+    co_return token;
+  }
 };
 
 }  // namespace zvkit

@@ -28,7 +28,9 @@ class LoggerDelegate;
 ///   token.
 ///
 /// No other answer is asked for twice. Without authentication only the first rule holds, up to
-/// `HTTPRequest::maxRetries`. Each operation says whether the host may make it again.
+/// `HTTPRequest::maxRetries`. Below all this, a request that may be repeated and meets a kept connection which the server
+/// has closed meanwhile goes out on a fresh one at once; no limit, log line or monitor counts that. Each operation says
+/// whether the host may make it again.
 ///
 /// Thread safety: any number of calls at once, from any thread.
 class ZVAPIKIT_API Client : public std::enable_shared_from_this<Client> {

@@ -127,6 +127,8 @@ class Pager {
 /// client.
 template <class Group, class Operation, class... Arguments>
 auto pages(Group group, Operation operation, Arguments... arguments) {
+  static_assert(std::is_invocable_v<Operation, Group&, Arguments..., std::optional<CursorDto>>,
+                "the operation reads no list page by page: its last argument must be a std::optional<CursorDto>");
   using Call = std::invoke_result_t<Operation, Group&, Arguments..., std::optional<CursorDto>>;
   using Element = typename decltype(Call::value_type::data)::value_type;
   return Pager<Element>([=](std::optional<CursorDto> cursor) {
