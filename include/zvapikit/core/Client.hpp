@@ -24,13 +24,11 @@ class LoggerDelegate;
 /// Repeats: the kit sends an authenticated request at most three times. It sends it again
 /// - when the transfer failed before a byte of an answer came, after 0.5 to 1 s and then 1 to 2 s: a GET, HEAD, PUT or
 ///   DELETE, never a POST or PATCH, since the server may have acted on it;
-/// - whatever the method, when the server refused the token (401 or 403 without a key of `ErrorDto::Key`), with a new
-///   token.
+/// - with a new token, whatever the method, when the server refused the old one (401, 403 without an `ErrorDto::Key`).
 ///
 /// No other answer is asked for twice. Without authentication only the first rule holds, up to
-/// `HTTPRequest::maxRetries`. Below all this, a request that may be repeated and meets a kept connection which the server
-/// has closed meanwhile goes out on a fresh one at once; no limit, log line or monitor counts that. Each operation says
-/// whether the host may make it again.
+/// `HTTPRequest::maxRetries`. Uncounted, what may be repeated and meets a kept connection that the server has closed
+/// goes out on a fresh one at once. Each operation says whether the host may make it again.
 ///
 /// Thread safety: any number of calls at once, from any thread.
 class ZVAPIKIT_API Client : public std::enable_shared_from_this<Client> {
