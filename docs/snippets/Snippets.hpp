@@ -19,6 +19,8 @@
 
 void setup();
 void signIn();
+void errors();
+void requests();
 void transfers();
 void threads();
 void testing();

@@ -1,9 +1,26 @@
 #include "Snippets.hpp"
 
+#include <zvapikit/core/BlockingClient.hpp>
 #include <zvapikit/domains/FeedsDomain.hpp>
 #include <zvapikit/http/ManualClock.hpp>
+#include <zvapikit/http/ScriptedTransport.hpp>
 
 namespace {
+
+// A test without a network: the first answer is lost, and the wait before the second attempt takes no time.
+void withoutNetwork() {
+  const auto server = std::make_shared<ZAK::ScriptedTransport>();
+  server->signIn();
+  const ZAK::HTTPError lost(ZAK::HTTPError::Kind::connectionLost, ZAK::HTTPStatusCode(), "connection lost");
+  server->add(ZAK::HTTPMethod::get, "/feeds/friends", ZAK::ScriptedAnswer(lost));
+  server->add(ZAK::HTTPMethod::get, "/feeds/friends", ZAK::ScriptedAnswer(200, "[]"));
+  const auto clock = std::make_shared<ZAK::ManualClock>(ZAK::ManualClock::autoAdvance);
+  ZAK::BlockingClient app({.testTransport = server, .clock = clock});
+  ZAK::FeedsDomain feeds{app.client()};
+  require(app.run(feeds.fetchFriends()).empty(), "nobody has posted");
+  require(server->requests().back().url.ends_with("/feeds/friends"), "another path");
+  require(server->requests().size() == 3, "not a token and two attempts");
+}
 
 boost::asio::awaitable<void> readFeed(std::shared_ptr<ZAK::MobileApiClient> client) {
   ZAK::FeedsDomain feeds{client};
@@ -31,4 +48,7 @@ void withFaults() {
 
 }  // namespace
 
-void testing() { withFaults(); }
+void testing() {
+  withoutNetwork();
+  withFaults();
+}
