@@ -63,7 +63,7 @@ class ZVAPIKIT_API MobileApiClient final : public Client {
   /// `bind_cancellation_slot(signal.slot(), callback)` lets `signal.emit(type)` cancel the operation, at any time and
   /// from any thread, with every cancellation type. The signal may outlive the client and the context.
   ///
-  /// Callable from any thread.
+  /// Callable from any thread, but not while another destroys the context.
   /// \throws boost::system::system_error of `operation_aborted` when the executor's context has ended.
   template <class T, class Token>
   auto spawn(boost::asio::awaitable<T> operation, Token&& token) {
